@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+
+#include <libtavelorn/DBusService.h>
+
+#include "DBusService_p.h"
+
+#include <QtDBus/QDBusAbstractInterface>
+#include <QtDBus/QDBusConnectionInterface>
+#include <QtDBus/QDBusReply>
+
+#include <utility>
+
+namespace libtavelorn {
+
+namespace {
+
+// QDBusInterface would introspect the service on construction.
+class Proxy : public QDBusAbstractInterface
+{
+public:
+    Proxy(const QString &service, const QString &path, const QByteArray &interface,
+          const QDBusConnection &connection, QObject *parent)
+        : QDBusAbstractInterface(service, path, interface.constData(), connection, parent)
+    {
+    }
+};
+
+} // namespace
+
+DBusServicePrivate::DBusServicePrivate(const QDBusConnection &bus, const QString &name,
+                                       DBusService *service)
+    : connection(bus),
+      serviceName(name),
+      q(service),
+      watcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange)
+{
+    connect(
+        &watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString &, const QString &, const QString &newOwner) { setOwner(newOwner); });
+    connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                       QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                       this, SLOT(busLost()));
+
+    // Asked after subscribing, so that no change falls between the two.
+    if (const QDBusConnectionInterface *busInterface = connection.interface())
+        owner = busInterface->serviceOwner(serviceName).value();
+    present = !owner.isEmpty();
+}
+
+void DBusServicePrivate::busLost()
+{
+    setOwner(QString());
+}
+
+void DBusServicePrivate::setOwner(const QString &newOwner)
+{
+    if (newOwner == owner)
+        return;
+    const bool left = !owner.isEmpty();
+    owner = newOwner;
+    if (left) {
+        present = false;
+        Q_EMIT q->disconnected();
+    }
+    // A slot may have run the event loop, and so have brought a newer owner.
+    if (!newOwner.isEmpty() && owner == newOwner) {
+        present = true;
+        Q_EMIT q->connected();
+    }
+}
+
+DBusService::DBusService(QDBusConnection connection, const QString &serviceName, QObject *parent)
+    : QObject(parent), d(new DBusServicePrivate(connection, serviceName, this))
+{
+}
+
+DBusService::~DBusService() = default;
+
+bool DBusService::isConnected() const
+{
+    return d->present;
+}
+
+QDBusAbstractInterface *DBusService::interface(const QString &path, const QString &interfaceName)
+{
+    return new Proxy(d->serviceName, path, interfaceName.toLatin1(), d->connection, this);
+}
+
+} // namespace libtavelorn

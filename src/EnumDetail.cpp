@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: MIT
+
+#include <libconfigurationmanager/lcm.h>
+
+lcm::EnumDetail::~EnumDetail() = default;
