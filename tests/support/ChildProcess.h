@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_SUPPORT_CHILDPROCESS_H
+#define TESTS_SUPPORT_CHILDPROCESS_H
+
+#include <QtCore/QProcess>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/// A process that a test starts, and that never outlives the test.
+class ChildProcess : public QProcess
+{
+    Q_OBJECT
+public:
+    ChildProcess(const QString &program, const QStringList &arguments);
+    ~ChildProcess() override;
+
+    /// Starts the process and returns the first line that it prints, which says that it is ready.
+    ///
+    /// Stops the test process if there is none: nothing could be tested.
+    QString startAndReadLine();
+
+    /// Ends the process at once, as a crash would.
+    void killAndWait();
+
+    /// Asks the process to end and waits until it has.
+    void terminateAndWait();
+
+protected:
+    void setupChildProcess() override;
+};
+
+#endif
