@@ -31,7 +31,7 @@ const QLoggingCategory category("libconfigurationmanager.ConfigurationManager", 
 
 QMessageLogger logger(const Operation &operation, const char *categoryName)
 {
-    return QMessageLogger(__FILE__, operation.line, operation.function, categoryName);
+    return {__FILE__, operation.line, operation.function, categoryName};
 }
 
 void logNotConnected(const Operation &operation)
@@ -71,9 +71,7 @@ ConfigurationManagerPrivate::ConfigurationManagerPrivate(ConfigurationManager *f
     : QObject(parent),
       q(facade),
       mutex(QMutex::Recursive),
-      interface(nullptr),
       service(new libtavelorn::DBusService(QDBusConnection::systemBus(), serviceName, this)),
-      checkConnection(true),
       collectionId(defaultCollectionId)
 {
     // Q_ASSERT would be gone from release builds.

@@ -593,9 +593,9 @@ private:
 
     ConfigurationManager *q;
     mutable QMutex mutex;
-    QDBusAbstractInterface *interface;
+    QDBusAbstractInterface *interface = nullptr;
     libtavelorn::DBusService *service;
-    bool checkConnection;
+    bool checkConnection = true;
     QString collectionId;
 };
 
