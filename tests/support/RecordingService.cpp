@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+
+#include "RecordingService.h"
+
+#include <QtCore/QUuid>
+#include <QtDBus/QDBusMessage>
+
+RecordingService::RecordingService(const PrivateBus &bus)
+    : m_connection(bus.connect(QUuid::createUuid().toString())),
+      m_program(QStringLiteral(RECORDING_SERVICE_PROGRAM), {})
+{
+    registerRecordingTypes();
+}
+
+void RecordingService::start()
+{
+    m_controlName = m_program.startAndReadLine();
+}
+
+void RecordingService::kill()
+{
+    m_program.killAndWait();
+}
+
+bool RecordingService::waitForExit()
+{
+    return m_program.waitForFinished();
+}
+
+void RecordingService::setAnswer(const Answer &answer)
+{
+    setAnswer(QString(), answer);
+}
+
+void RecordingService::setAnswer(const QString &member, const Answer &answer)
+{
+    control(QStringLiteral("setAnswer"), {member, QVariant::fromValue(answer)});
+}
+
+QVector<RecordedCall> RecordingService::takeCalls()
+{
+    const QVariantList reply = control(QStringLiteral("takeCalls"));
+    return qdbus_cast<QVector<RecordedCall>>(reply.constFirst());
+}
+
+int RecordingService::mostCallsInFlight()
+{
+    return control(QStringLiteral("mostCallsInFlight")).constFirst().toInt();
+}
+
+QVariantList RecordingService::control(const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(m_controlName, recordingPath, recordingInterface, method);
+    call.setArguments(arguments);
+    const QDBusMessage reply = m_connection.call(call);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        qFatal("The recording service: %s", qPrintable(reply.errorMessage()));
+    return reply.arguments();
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_SUPPORT_RECORDINGSERVICE_H
+#define TESTS_SUPPORT_RECORDINGSERVICE_H
+
+#include "ChildProcess.h"
+#include "PrivateBus.h"
+#include "Recording.h"
+
+/// A configuration service that accepts every call, records it and answers as a test tells it.
+///
+/// It is a program of its own. The test talks to it over a connection of its own, so that the
+/// recorded connection carries nothing but what is tested.
+class RecordingService
+{
+public:
+    explicit RecordingService(const PrivateBus &bus);
+
+    /// Starts the program; when this returns, it owns the name of the configuration service.
+    ///
+    /// May be repeated after the program has ended: nothing is recorded then, and nothing told.
+    void start();
+
+    /// Ends the program at once, as a crash would.
+    void kill();
+
+    /// Returns whether the program ends of itself, as with Answer::exit() it does.
+    bool waitForExit();
+
+    /// Tells what all calls get from now on.
+    void setAnswer(const Answer &answer);
+
+    /// Tells what the calls of one method get from now on, whatever the others get.
+    void setAnswer(const QString &member, const Answer &answer);
+
+    /// Returns the calls so far, of any interface (also an introspection), and forgets them.
+    QVector<RecordedCall> takeCalls();
+
+    /// Returns how many calls at most were unanswered at the same time.
+    ///
+    /// Says something only when the answers are delayed.
+    int mostCallsInFlight();
+
+private:
+    QVariantList control(const QString &method, const QVariantList &arguments = {});
+
+    QDBusConnection m_connection;
+    ChildProcess m_program;
+    QString m_controlName;
+};
+
+#endif
