@@ -202,14 +202,12 @@ def introspection(table):
         yield annotation("org.gtk.GDBus.DocString", operation.sentence)
         yield annotation(f"{INTERFACE}.Family", operation.family)
         yield annotation(f"{INTERFACE}.Operation", operation.key)
-        for parameter in operation.argument_parameters:
-            name = parameter.name if parameter else "collectionId"
-            signature = parameter.signature if parameter else "s"
+        for name, signature in operation.inputs:
             yield f'      <arg name="{name}" type="{signature}" direction="in"/>'
         result = RESULTS[operation.result].signature
         if result:
             yield f'      <arg name="result" type="{result}" direction="out"/>'
-        inputs = [p.signature for p in operation.argument_parameters if p]
+        inputs = [signature for _, signature in operation.inputs]
         for direction, signatures in (("In", inputs), ("Out", [result])):
             for index, signature in enumerate(signatures):
                 if signature in QT_TYPE_NAMES:

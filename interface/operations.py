@@ -93,14 +93,15 @@ class Operation:
         return f"{self.name}({types})"
 
     @property
-    def argument_parameters(self):
-        """The parameter behind each remote argument; None is the collection id."""
-        by_name = {p.name: p for p in self.parameters}
-        return [None if a == COLLECTION_ID else by_name[a] for a in self.arguments]
+    def inputs(self):
+        """The name and the D-Bus type of each remote argument, in order."""
+        types = {p.name: p.signature for p in self.parameters}
+        return [("collectionId", "s") if a == COLLECTION_ID else (a, types[a])
+                for a in self.arguments]
 
     @property
     def signature(self):
-        return "".join("s" if p is None else p.signature for p in self.argument_parameters)
+        return "".join(signature for _, signature in self.inputs)
 
     @property
     def argument_class(self):
