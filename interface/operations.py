@@ -167,6 +167,8 @@ def load(path):
                     family, in_parameters = text[1:-1], False
                 elif in_parameters:
                     name, meaning = _fields(text, 2)
+                    if name in table.parameter_meanings:
+                        raise ValueError(f"parameter {name!r} has a meaning already")
                     table.parameter_meanings[name] = meaning
                 elif family is None:
                     raise ValueError("a row before the first [family]")
@@ -199,6 +201,10 @@ def _operation(line, family, text):
         raise ValueError("only the last parameter may have a default")
     if const not in CONSTNESS:
         raise ValueError(f"const is {', '.join(CONSTNESS)}; not {const!r}")
+    if remote == "=":
+        remote = name
+    elif not re.fullmatch(r"[A-Za-z_]\w*", remote, re.ASCII):
+        raise ValueError(f"not a remote method: {remote!r}")
     argument_names = [] if arguments == "-" else arguments.split(", ")
     for argument in argument_names:
         if argument != COLLECTION_ID and argument not in (p.name for p in parameters):
@@ -211,7 +217,7 @@ def _operation(line, family, text):
         raise ValueError("no meaning")
     public, private = CONSTNESS[const]
     return Operation(line, family, result, name, parameters, public, private,
-                     name if remote == "=" else remote, argument_names, not_connected, meaning)
+                     remote, argument_names, not_connected, meaning)
 
 
 def _parameter(text):
