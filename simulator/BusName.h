@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_BUSNAME_H
+#define SIMULATOR_BUSNAME_H
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusConnection>
+
+namespace simulator {
+
+/// The well-known name under which the service is found: taken, given up for a while, taken again.
+class BusName : public QObject
+{
+    Q_OBJECT
+public:
+    BusName(const QDBusConnection &connection, const QString &name);
+
+    /// Returns why it could not be taken; nothing if it is owned now.
+    QString take();
+
+    /// Gives the name up and takes it again after a while.
+    void leave(int milliseconds);
+
+    /// Gives the name up until take() is called.
+    void leave();
+
+Q_SIGNALS:
+    /// The name could not be taken again.
+    void lost(const QString &reason);
+
+private:
+    QDBusConnection m_connection;
+    const QString m_name;
+    QTimer m_absence;
+};
+
+} // namespace simulator
+
+#endif
