@@ -39,14 +39,16 @@ ensure_packages() {
         apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Configures the preset, if that has not been done, and builds it.
+# Configures the preset, if that has not been done, and builds it, or the given targets of it.
 build() {
-    local preset=$1
+    local preset=$1 target_option=()
+    shift
+    [ $# -eq 0 ] || target_option=(--target "$@")
     mkdir -p build
     # Two scripts at a time must not build in the same folder.
     exec 9>"build/.$preset.lock"
     flock 9
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
-    cmake --build --preset "$preset"
-    flock --unlock 9
+    cmake --build --preset "$preset" "${target_option[@]}"
+    exec 9>&-
 }
