@@ -104,10 +104,6 @@ class Operation:
         return "".join(signature for _, signature in self.inputs)
 
     @property
-    def argument_class(self):
-        return argument_class(self.parameters, self.arguments)
-
-    @property
     def setting(self):
         """X of a setX or getX."""
         return self.name[3:] if re.match(r"(set|get)[A-Z]", self.name) else None

@@ -9,7 +9,6 @@ import sys
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
-from collections import Counter
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(PROJECT / "interface"))
@@ -23,9 +22,6 @@ PRIVATE = "src/ConfigurationManager_p.cpp"
 XML = "interface/com.tavelornbraille.ConfigurationManager.xml"
 OUTPUTS = (HEADER, FACADE, PRIVATE_HEADER, PRIVATE, XML)
 TABLE = "interface/operations.table"
-
-ENUMERATIONS = {"lcm::EmbosserType", "lcm::FeedType", "lcm::HeadType", "lcm::ModelMask",
-                "lcm::Orientation"}
 
 
 def generate(project, *arguments):
@@ -89,27 +85,6 @@ class CheckedInFiles(Copy):
         self.assertEqual(written.stderr,
                          f"{self.project / TABLE}:{line}: 1 fields instead of 6\n")
         self.assertEqual(self.outputs(), before)
-
-
-class TheTable(unittest.TestCase):
-    def setUp(self):
-        self.operations = operations.load(PROJECT / TABLE).operations
-
-    def test_has_every_operation_of_each_kind(self):
-        self.assertEqual(len(self.operations), 517)
-        self.assertEqual(len({o.remote for o in self.operations}), 517)
-        self.assertEqual(sum(o.remote != o.name for o in self.operations), 18)
-        self.assertEqual(Counter(o.argument_class for o in self.operations),
-                         {"A": 58, "B": 205, "C": 90, "D": 122, "E": 32, "F": 4, "G": 1, "H": 5})
-        self.assertEqual(Counter("enum" if o.result in ENUMERATIONS else o.result
-                                 for o in self.operations),
-                         {"void": 218, "int": 133, "enum": 8, "bool": 38, "double": 44,
-                          "QString": 66, "QVariantMap": 8, "ConfigurationList": 1,
-                          "lcm::PropList": 1})
-        self.assertEqual(Counter(o.not_connected for o in self.operations),
-                         {"Not connected.": 350, "Not Connected.": 167})
-        self.assertEqual(sum(p.default is not None for o in self.operations for p in o.parameters),
-                         130)
 
 
 GOOD_ROW = "int getLevel() | both | = | @ | Not connected. | the level"

@@ -5,13 +5,9 @@
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 
-#include <QtCore/QFile>
 #include <QtCore/QMetaMethod>
-#include <QtCore/QRegularExpression>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
-
-#include <algorithm>
 
 using libconfigurationmanager::detail::ConfigurationManager;
 using libconfigurationmanager::detail::ConfigurationManagerPrivate;
@@ -44,39 +40,6 @@ QList<QByteArray> signatures(const QVector<QMetaMethod> &methods)
 QByteArray description(const QMetaMethod &method)
 {
     return method.typeName() + QByteArray(" ") + method.methodSignature();
-}
-
-/// The slots that the wire contract asks for: each operation with its variant, if it has one.
-QList<QByteArray> lockedSlots()
-{
-    static const QRegularExpression declaration(
-        QStringLiteral(R"(^(?<result>\S+) (?<name>\w+)\((?<parameters>.*?)\) \| )"));
-    static const QRegularExpression nameAndDefault(QStringLiteral(R"(\w+( = \w+)?$)"));
-
-    QFile file(QFINDTESTDATA("../contract/operations.lock"));
-    if (!file.open(QFile::ReadOnly))
-        qFatal("operations.lock: %s", qPrintable(file.errorString()));
-    QList<QByteArray> descriptions;
-    while (!file.atEnd()) {
-        const auto match = declaration.match(QString::fromUtf8(file.readLine()));
-        if (!match.hasMatch())
-            continue;
-        const QString parameters = match.captured(QStringLiteral("parameters"));
-        QStringList types = parameters.split(QStringLiteral(", "), Qt::SkipEmptyParts);
-        types.replaceInStrings(nameAndDefault, QString());
-        const auto append = [&] {
-            const QString signature = QStringLiteral("%1(%2)").arg(
-                match.captured(QStringLiteral("name")), types.join(QLatin1Char(',')));
-            descriptions.append(match.captured(QStringLiteral("result")).toLatin1() + ' ' +
-                                QMetaObject::normalizedSignature(signature.toLatin1()));
-        };
-        append();
-        if (parameters.contains(QLatin1Char('='))) {
-            types.removeLast();
-            append();
-        }
-    }
-    return descriptions;
 }
 
 } // namespace
@@ -181,17 +144,6 @@ private Q_SLOTS:
             QCOMPARE(variant.parameterTypes(), types);
         }
         QCOMPARE(variants, 130);
-    }
-
-    void theSlotsAreTheOperationsAndTheirVariants()
-    {
-        QList<QByteArray> locked = lockedSlots();
-        QList<QByteArray> actual;
-        for (const QMetaMethod &slot : m_facade.mid(signalCount))
-            actual.append(description(slot));
-        std::sort(locked.begin(), locked.end());
-        std::sort(actual.begin(), actual.end());
-        QCOMPARE(actual, locked);
     }
 
     void parametersAreOfFiveTypes()
