@@ -56,14 +56,13 @@ void DBusServicePrivate::setOwner(const QString &newOwner)
 {
     if (newOwner == owner)
         return;
-    const bool left = !owner.isEmpty();
     owner = newOwner;
-    if (left) {
+    if (present) {
         present = false;
         Q_EMIT q->disconnected();
     }
-    // A slot may have run the event loop, and so have brought a newer owner.
-    if (!newOwner.isEmpty() && owner == newOwner) {
+    // A slot may have run the event loop, and so have brought and told a newer owner.
+    if (!owner.isEmpty() && !present) {
         present = true;
         Q_EMIT q->connected();
     }
