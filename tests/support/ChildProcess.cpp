@@ -2,13 +2,20 @@
 
 #include "ChildProcess.h"
 
+#include <QtCore/QDir>
+
 #include <csignal>
 #include <sys/prctl.h>
 
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments)
 {
-    setProgram(program);
-    setArguments(arguments);
+    // Programs of this build are named by their paths, and may be for another machine.
+    QStringList command;
+    if (QDir::isAbsolutePath(program))
+        command = QStringLiteral(EMULATOR).split(QLatin1Char('|'), Qt::SkipEmptyParts);
+    command << program << arguments;
+    setProgram(command.takeFirst());
+    setArguments(command);
     setProcessChannelMode(QProcess::ForwardedErrorChannel);
 }
 
