@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_COMMAND_H
+#define TOOL_COMMAND_H
+
+#include "Failure.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#include <limits>
+#include <optional>
+
+class Catalogue;
+class Output;
+
+/// What the shell may complete an argument with.
+enum class Completion {
+    None,
+    Operation,
+    ReadableSetting,
+    WritableSetting,
+    ValueList,
+    File,
+    FileOrLive,
+};
+
+/// An option, of one command or of all.
+struct Option
+{
+    QString name;
+    /// What the value is called; empty for a switch.
+    QString valueName;
+    QString description;
+};
+
+/// What a command is given.
+struct Request
+{
+    QStringList arguments;
+    QStringList options;
+    std::optional<QString> collection;
+    Output &output;
+    const Catalogue &catalogue;
+
+    bool hasOption(const QString &name) const { return options.contains(name); }
+};
+
+/// A subcommand: the one source of its parsing, help, manual page and completion.
+struct Command
+{
+    static constexpr int AnyNumber = std::numeric_limits<int>::max();
+
+    QString name;
+    /// The arguments as written in a synopsis: "NAME VALUE".
+    QString arguments;
+    int minArguments = 0;
+    int maxArguments = 0;
+    Completion completion = Completion::None;
+    /// How many of the arguments, from the first one, are completed so.
+    int completedArguments = AnyNumber;
+    QVector<Option> options;
+    QString summary;
+    /// Paragraphs.
+    QStringList description;
+    ExitStatus (*run)(const Request &request) = nullptr;
+};
+
+#endif

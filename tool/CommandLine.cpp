@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+
+#include "CommandLine.h"
+
+#include "Failure.h"
+#include "Suggestion.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+const QString collectionOption = QStringLiteral("collection");
+const QString jsonOption = QStringLiteral("json");
+const QString quietOption = QStringLiteral("quiet");
+const QString noColorOption = QStringLiteral("no-color");
+const QString helpOption = QStringLiteral("help");
+const QString versionOption = QStringLiteral("version");
+const QString generateOption = QStringLiteral("generate");
+
+// Stands for the minus of a negative number, which QCommandLineParser would take for an option.
+const QChar minusMark(0xE000);
+
+[[noreturn]] void throwUsage(const QString &message)
+{
+    throw Failure(ExitStatus::Usage, message);
+}
+
+QString markMinus(QString argument)
+{
+    static const QRegularExpression negativeNumber(QStringLiteral("^-[0-9.]"));
+    if (negativeNumber.match(argument).hasMatch())
+        argument[0] = minusMark;
+    return argument;
+}
+
+QString unmarkMinus(QString argument)
+{
+    if (argument.startsWith(minusMark))
+        argument[0] = QLatin1Char('-');
+    return argument;
+}
+
+QVector<Option> ownOptions(const QVector<Command> &commands)
+{
+    QVector<Option> options;
+    for (const Command &command : commands)
+        options += command.options;
+    return options;
+}
+
+QStringList namesOf(const Option &option)
+{
+    return option.name == helpOption ? QStringList{QStringLiteral("h"), option.name}
+                                     : QStringList{option.name};
+}
+
+QStringList namesOf(const QVector<Option> &options)
+{
+    QStringList names;
+    for (const Option &option : options)
+        names.append(option.name);
+    return names;
+}
+
+const Command &commandNamed(const QString &name, const QVector<Command> &commands)
+{
+    QStringList names;
+    for (const Command &command : commands) {
+        if (command.name == name)
+            return command;
+        names.append(command.name);
+    }
+    throwUsage(QStringLiteral("there is no command '%1'%2").arg(name, didYouMean(name, names)));
+}
+
+QString dashed(const QString &option)
+{
+    return (option.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + option;
+}
+
+void checkOptions(const QStringList &given, const Command &command)
+{
+    const QStringList known = namesOf(commonOptions() + command.options);
+    for (const QString &name : given) {
+        if (!known.contains(name)) {
+            throwUsage(QStringLiteral("%1 has no option '%2'").arg(command.name, dashed(name)));
+        }
+    }
+}
+
+// The arguments are not repeated: one of them may be a secret.
+void checkArguments(const QStringList &given, const Command &command)
+{
+    if (given.size() >= command.minArguments && given.size() <= command.maxArguments)
+        return;
+    const QString expected = command.arguments.isEmpty() ? QStringLiteral("no arguments")
+                                                         : command.arguments;
+    throwUsage(QStringLiteral("%1 takes %2, not %3 arguments")
+                   .arg(command.name, expected, QString::number(given.size())));
+}
+
+void parse(QCommandLineParser *parser, const QStringList &arguments,
+           const QVector<Option> &options)
+{
+    for (const Option &option : options)
+        parser->addOption({namesOf(option), option.description, option.valueName});
+    parser->addOption({generateOption, QString(), QStringLiteral("KIND")});
+
+    if (parser->parse(arguments))
+        return;
+    const QStringList unknown = parser->unknownOptionNames();
+    if (unknown.isEmpty())
+        throwUsage(parser->errorText());
+    throwUsage(QStringLiteral("there is no option '%1'%2")
+                   .arg(dashed(unknown.first()), didYouMean(unknown.first(), namesOf(options))));
+}
+
+} // namespace
+
+const QVector<Option> &commonOptions()
+{
+    static const QVector<Option> options{
+        {collectionOption, QStringLiteral("ID"),
+         QStringLiteral("work on this collection instead of masterCollectionKey")},
+        {jsonOption, {}, QStringLiteral("print the result as JSON")},
+        {quietOption, {}, QStringLiteral("print results and errors only")},
+        {noColorOption, {}, QStringLiteral("print without colours")},
+        {helpOption, {}, QStringLiteral("print this help, or the help on the command")},
+        {versionOption, {}, QStringLiteral("print the version")},
+    };
+    return options;
+}
+
+CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands)
+{
+    QStringList marked;
+    std::transform(arguments.begin(), arguments.end(), std::back_inserter(marked), markMinus);
+    QCommandLineParser parser;
+    parse(&parser, marked, commonOptions() + ownOptions(commands));
+
+    CommandLine line;
+    line.help = parser.isSet(helpOption);
+    line.version = parser.isSet(versionOption);
+    line.generate = parser.value(generateOption);
+    line.output.json = parser.isSet(jsonOption);
+    line.output.quiet = parser.isSet(quietOption);
+    line.output.color = !parser.isSet(noColorOption);
+    if (parser.isSet(collectionOption))
+        line.collection = unmarkMinus(parser.value(collectionOption));
+
+    QStringList given = parser.positionalArguments();
+    std::transform(given.begin(), given.end(), given.begin(), unmarkMinus);
+    const bool runsNothing = line.help || line.version || !line.generate.isEmpty();
+    if (given.isEmpty() && runsNothing)
+        return line;
+    if (given.isEmpty())
+        throwUsage(QStringLiteral("a command is missing"));
+    line.command = &commandNamed(given.takeFirst(), commands);
+    line.arguments = given;
+    line.options = parser.optionNames();
+    if (runsNothing)
+        return line;
+    checkOptions(line.options, *line.command);
+    checkArguments(line.arguments, *line.command);
+    return line;
+}

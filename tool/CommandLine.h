@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_COMMANDLINE_H
+#define TOOL_COMMANDLINE_H
+
+#include "Command.h"
+#include "Output.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#include <optional>
+
+/// The options that every command takes.
+const QVector<Option> &commonOptions();
+
+/// The command line, taken apart and checked.
+struct CommandLine
+{
+    bool help = false;
+    bool version = false;
+    /// The documentation to print instead of running a command.
+    QString generate;
+    /// Null only if one of the above is asked for.
+    const Command *command = nullptr;
+    QStringList arguments;
+    QStringList options;
+    std::optional<QString> collection;
+    OutputOptions output;
+};
+
+/// Throws a Failure that says what is wrong and what may have been meant.
+CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands);
+
+#endif

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_DESCRIPTION_H
+#define TOOL_DESCRIPTION_H
+
+#include "Operation.h"
+
+#include <QtCore/QJsonObject>
+
+/// What there is to tell about an operation, as list and describe print it with --json.
+QJsonObject describe(const Operation &operation);
+
+#endif

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_FAILURE_H
+#define TOOL_FAILURE_H
+
+#include <QtCore/QString>
+
+#include <exception>
+
+/// The exit status of the program.
+enum class ExitStatus {
+    Done = 0,
+    Failed = 1,
+    Usage = 2,
+    NotConnected = 3,
+};
+
+/// Ends a command: what to say on standard error and with which status to exit.
+class Failure : public std::exception
+{
+public:
+    Failure(ExitStatus status, const QString &message) : m_status(status), m_message(message) {}
+
+    ExitStatus status() const { return m_status; }
+    const QString &message() const { return m_message; }
+    const char *what() const noexcept override { return "Failure"; }
+
+private:
+    ExitStatus m_status;
+    QString m_message;
+};
+
+#endif

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+
+#include "Secret.h"
+
+#include "Failure.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTextStream>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+volatile std::sig_atomic_t caughtSignal = 0;
+
+void catchSignal(int number)
+{
+    caughtSignal = number;
+}
+
+/// A terminal that does not show what is typed. A signal that would end the process meanwhile ends
+/// it only after the echo is back.
+class EchoOff
+{
+public:
+    explicit EchoOff(int terminal) : m_terminal(terminal)
+    {
+        caughtSignal = 0;
+        struct sigaction action = {};
+        action.sa_handler = catchSignal; // without SA_RESTART: the read is to end
+        for (size_t i = 0; i < signals.size(); ++i)
+            sigaction(signals[i], &action, &m_actions[i]);
+        tcgetattr(m_terminal, &m_attributes);
+        termios silent = m_attributes;
+        silent.c_lflag &= ~tcflag_t(ECHO);
+        tcsetattr(m_terminal, TCSAFLUSH, &silent);
+    }
+
+    ~EchoOff()
+    {
+        tcsetattr(m_terminal, TCSAFLUSH, &m_attributes);
+        for (size_t i = 0; i < signals.size(); ++i)
+            sigaction(signals[i], &m_actions[i], nullptr);
+        if (caughtSignal)
+            raise(caughtSignal);
+    }
+
+    Q_DISABLE_COPY(EchoOff)
+
+private:
+    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+
+    int m_terminal;
+    termios m_attributes = {};
+    std::array<struct sigaction, signals.size()> m_actions = {};
+};
+
+/// Reads to the end of the line, or to a signal.
+QByteArray readLine(int file)
+{
+    QByteArray line;
+    char character = 0;
+    while (read(file, &character, 1) == 1 && character != '\n')
+        line.append(character);
+    return line;
+}
+
+QByteArray promptForSecret(const QString &name)
+{
+    QTextStream prompt(stderr);
+    prompt << name << ": " << Qt::flush;
+    const QByteArray line = [] {
+        const EchoOff echoOff(STDIN_FILENO);
+        return readLine(STDIN_FILENO);
+    }();
+    prompt << Qt::endl;
+    return line;
+}
+
+} // namespace
+
+bool isSecret(const QString &name)
+{
+    return name.contains(QLatin1String("passphrase"), Qt::CaseInsensitive)
+        || name.contains(QLatin1String("password"), Qt::CaseInsensitive);
+}
+
+QJsonValue withoutSecrets(const QJsonValue &value)
+{
+    if (value.isArray()) {
+        QJsonArray array;
+        for (const QJsonValue &element : value.toArray())
+            array.append(withoutSecrets(element));
+        return array;
+    }
+    if (value.isObject()) {
+        const QJsonObject original = value.toObject();
+        QJsonObject object;
+        for (auto entry = original.begin(); entry != original.end(); ++entry) {
+            object.insert(entry.key(),
+                          isSecret(entry.key()) ? QJsonValue() : withoutSecrets(entry.value()));
+        }
+        return object;
+    }
+    return value;
+}
+
+QString readSecret(const QString &name)
+{
+    if (isatty(STDIN_FILENO))
+        return QString::fromUtf8(promptForSecret(name));
+    QFile input;
+    input.open(stdin, QFile::ReadOnly);
+    QByteArray secret = input.readAll();
+    if (secret.endsWith('\n'))
+        secret.chop(1);
+    return QString::fromUtf8(secret);
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_SECRET_H
+#define TOOL_SECRET_H
+
+#include <QtCore/QJsonValue>
+#include <QtCore/QString>
+
+/// Whether the setting or operation of this name deals in a secret, such as a passphrase.
+bool isSecret(const QString &name);
+
+/// The value with null in the place of every secret that a map in it holds.
+QJsonValue withoutSecrets(const QJsonValue &value);
+
+/// Reads a secret: without echo after a prompt if standard input is a terminal, else all of
+/// standard input less the newline at its end.
+QString readSecret(const QString &name);
+
+#endif

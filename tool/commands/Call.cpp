@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Secret.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonObject>
+
+namespace {
+
+QVariantList argumentsFor(const Operation &operation, const QStringList &texts)
+{
+    QVariantList arguments;
+    for (int i = 0; i < texts.size(); ++i) {
+        const Parameter &parameter = operation.parameters[i];
+        try {
+            arguments.append(argumentFromText(texts[i], parameter.type));
+        } catch (const Failure &failure) {
+            throw Failure(failure.status(),
+                          QStringLiteral("%1: %2").arg(parameter.name, failure.message()));
+        }
+    }
+    return arguments;
+}
+
+void print(Output &output, const Operation &operation, const QJsonValue &result)
+{
+    if (output.isJson()) {
+        output.json(QJsonObject{{QStringLiteral("operation"), operation.signature()},
+                                {QStringLiteral("result"), result}});
+    } else if (operation.hasResult()) {
+        output.value(result);
+    }
+}
+
+ExitStatus run(const Request &request)
+{
+    const QStringList texts = request.arguments.mid(1);
+    const Operation &operation =
+        operationFor(request.catalogue, request.arguments[0], texts.size());
+    const QVariantList arguments = argumentsFor(operation, texts);
+
+    Session session(request.collection);
+    session.requireConnection();
+    const Reply reply = session.call(operation, arguments);
+    if (reply.error) {
+        throw Failure(ExitStatus::Failed,
+                      QStringLiteral("%1: %2").arg(operation.name, *reply.error));
+    }
+    if (isSecret(operation.name) && operation.hasResult()) {
+        request.output.note(QStringLiteral("a secret is shown by the command get only"));
+        print(request.output, operation, QJsonValue());
+        return ExitStatus::Done;
+    }
+    print(request.output, operation, withoutSecrets(toJson(reply.value, operation.result)));
+    const bool refused = reply.value == QVariant(false) && !operation.isQuery();
+    if (refused) {
+        throw Failure(ExitStatus::Failed,
+                      QStringLiteral("%1: the service did not do it").arg(operation.name));
+    }
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command callCommand()
+{
+    Command command;
+    command.name = QStringLiteral("call");
+    command.arguments = QStringLiteral("OPERATION [ARGUMENT...]");
+    command.minArguments = 1;
+    command.maxArguments = Command::AnyNumber;
+    command.completion = Completion::Operation;
+    command.completedArguments = 1;
+    command.summary = QStringLiteral("call an operation");
+    command.description = QStringList{
+        QStringLiteral("Calls an operation and prints its result, if it has one. The number of "
+                       "arguments tells operations of the same name apart; arguments that have a "
+                       "default may be left away."),
+        QStringLiteral("An operation that answers false has been refused, unless it only asks "
+                       "(get, is, has): the exit status is 1."),
+    };
+    command.run = run;
+    return command;
+}

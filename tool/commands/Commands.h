@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_COMMANDS_COMMANDS_H
+#define TOOL_COMMANDS_COMMANDS_H
+
+#include "../Command.h"
+
+#include <QtCore/QVector>
+
+Command statusCommand();
+Command listCommand();
+Command describeCommand();
+Command getCommand();
+Command setCommand();
+Command callCommand();
+Command valuesCommand();
+Command paperCommand();
+Command reportCommand();
+Command dumpCommand();
+Command diffCommand();
+Command restoreCommand();
+Command monitorCommand();
+
+/// All subcommands, in the order in which they are told.
+inline QVector<Command> allCommands()
+{
+    return {statusCommand(), listCommand(),   describeCommand(), getCommand(),  setCommand(),
+            callCommand(),   valuesCommand(), paperCommand(),    reportCommand(), dumpCommand(),
+            diffCommand(),   restoreCommand(), monitorCommand()};
+}
+
+#endif

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Description.h"
+#include "../Lookup.h"
+#include "../Output.h"
+
+#include <QtCore/QJsonArray>
+
+namespace {
+
+/// The operations of the name, or those of the setting that has it.
+QVector<const Operation *> operationsMeant(const Catalogue &catalogue, const QString &name)
+{
+    const Setting *setting = catalogue.setting(name);
+    if (!setting)
+        return operationsCalled(catalogue, name);
+    QVector<const Operation *> operations{setting->getter, setting->setter};
+    operations.removeAll(nullptr);
+    return operations;
+}
+
+QString typeText(const ValueType &type)
+{
+    const QString enumeration = type.enumeration.name();
+    if (!type.enumeration.isValid() || type.name.endsWith(enumeration))
+        return type.name;
+    return QStringLiteral("%1, of %2").arg(type.name, enumeration);
+}
+
+QString keysText(const Enumeration &enumeration)
+{
+    QStringList keys;
+    for (const QString &key : enumeration.keys())
+        keys.append(QStringLiteral("%1=%2").arg(key).arg(*enumeration.value(key)));
+    return keys.join(QLatin1Char(' '));
+}
+
+void print(Output &output, const Operation &operation)
+{
+    output.heading(operation.name + operation.parameterList());
+    QVector<QStringList> rows{{QStringLiteral("Meaning"), operation.meaning},
+                              {QStringLiteral("Group"), operation.family}};
+    Enumeration enumeration = operation.result.enumeration;
+    for (int i = 0; i < operation.parameters.size(); ++i) {
+        const Parameter &parameter = operation.parameters[i];
+        const QString optional = i < operation.requiredParameters ? QString()
+                                                                  : QStringLiteral(" (optional)");
+        rows.append({QStringLiteral("Parameter"),
+                     QStringLiteral("%1: %2%3").arg(parameter.name, typeText(parameter.type),
+                                                    optional)});
+        if (parameter.type.enumeration.isValid())
+            enumeration = parameter.type.enumeration;
+    }
+    rows.append({QStringLiteral("Result"), typeText(operation.result)});
+    if (enumeration.isValid())
+        rows.append({enumeration.name(), keysText(enumeration)});
+    rows.append({QStringLiteral("Remote method"), operation.remoteMethod});
+    output.table(rows);
+}
+
+ExitStatus run(const Request &request)
+{
+    const auto operations = operationsMeant(request.catalogue, request.arguments[0]);
+    QJsonArray descriptions;
+    for (const Operation *operation : operations) {
+        if (request.output.isJson())
+            descriptions.append(describe(*operation));
+        else
+            print(request.output, *operation);
+    }
+    if (request.output.isJson())
+        request.output.json(descriptions);
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command describeCommand()
+{
+    Command command;
+    command.name = QStringLiteral("describe");
+    command.arguments = QStringLiteral("OPERATION");
+    command.minArguments = 1;
+    command.maxArguments = 1;
+    command.completion = Completion::Operation;
+    command.summary = QStringLiteral("tell all about an operation");
+    command.description = QStringList{
+        QStringLiteral("Tells the meaning, parameters, result and remote method of an operation, "
+                       "and the keys of the enumeration that it deals in. OPERATION is a name; a "
+                       "name with types, such as 'getWidth(QString)', where only one of several "
+                       "operations is meant; or the name of a setting, for what reads and what "
+                       "writes it. The service is not needed."),
+    };
+    command.run = run;
+    return command;
+}

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Configuration.h"
+#include "../Output.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonObject>
+
+namespace {
+
+const QString live = QStringLiteral("live");
+const QString collectionPrefix = QStringLiteral("collection:");
+
+Configuration readFrom(const std::optional<QString> &collection, const Request &request)
+{
+    Session session(collection);
+    session.requireConnection();
+    return readConfiguration(session, request.catalogue, request.output.showsProgress());
+}
+
+Configuration configurationOf(const QString &source, const Request &request)
+{
+    if (source == live)
+        return readFrom(request.collection, request);
+    if (source.startsWith(collectionPrefix))
+        return readFrom(source.mid(collectionPrefix.size()), request);
+    return configurationFromFile(source, request.catalogue);
+}
+
+/// The names that occur in either, in order.
+QStringList settingsOf(const Configuration &first, const Configuration &second)
+{
+    QStringList names = first.values.keys() + second.values.keys();
+    names.sort();
+    names.removeDuplicates();
+    return names;
+}
+
+QString textOf(const QJsonValue &value)
+{
+    return value.isUndefined() ? QStringLiteral("(missing)") : toText(value);
+}
+
+ExitStatus run(const Request &request)
+{
+    const QStringList sources{request.arguments[0], request.arguments.value(1, live)};
+    const Configuration first = configurationOf(sources[0], request);
+    const Configuration second = configurationOf(sources[1], request);
+
+    QJsonObject differences;
+    QVector<QStringList> rows;
+    for (const QString &name : settingsOf(first, second)) {
+        const QJsonValue firstValue = first.values.value(name);
+        const QJsonValue secondValue = second.values.value(name);
+        if (firstValue == secondValue)
+            continue;
+        // An undefined value leaves its key out.
+        differences.insert(name, QJsonObject{{QStringLiteral("first"), firstValue},
+                                             {QStringLiteral("second"), secondValue}});
+        rows.append({name, textOf(firstValue), textOf(secondValue)});
+    }
+
+    if (request.output.isJson()) {
+        request.output.json(QJsonObject{{QStringLiteral("first"), sources[0]},
+                                        {QStringLiteral("second"), sources[1]},
+                                        {QStringLiteral("differences"), differences}});
+    } else if (rows.isEmpty()) {
+        request.output.note(QStringLiteral("no difference"));
+    } else {
+        request.output.table(rows, QStringList{QStringLiteral("Setting")} + sources);
+    }
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command diffCommand()
+{
+    Command command;
+    command.name = QStringLiteral("diff");
+    command.arguments = QStringLiteral("FIRST [SECOND]");
+    command.minArguments = 1;
+    command.maxArguments = 2;
+    command.completion = Completion::FileOrLive;
+    command.summary = QStringLiteral("compare two configurations");
+    command.description = QStringList{
+        QStringLiteral("Shows the settings whose values differ. FIRST and SECOND are each a file "
+                       "that dump has written ('-' is standard input), 'collection:ID' for a "
+                       "collection of the service, or 'live' for the collection in use, which "
+                       "SECOND is if it is left away. A file named live is './live'."),
+        QStringLiteral("Secret settings are not compared. The exit status does not tell whether "
+                       "there are differences."),
+    };
+    command.run = run;
+    return command;
+}

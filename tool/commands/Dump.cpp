@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Configuration.h"
+#include "../Output.h"
+
+namespace {
+
+ExitStatus run(const Request &request)
+{
+    Session session(request.collection);
+    session.requireConnection();
+    const Configuration configuration =
+        readConfiguration(session, request.catalogue, request.output.showsProgress());
+    request.output.json(configurationToJson(configuration, request.catalogue));
+    for (auto reason = configuration.unreadable.begin(); reason != configuration.unreadable.end();
+         ++reason)
+        request.output.error(QStringLiteral("%1: %2").arg(reason.key(), reason.value()));
+    return configuration.unreadable.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+} // namespace
+
+Command dumpCommand()
+{
+    Command command;
+    command.name = QStringLiteral("dump");
+    command.summary = QStringLiteral("print the whole configuration as JSON");
+    command.description = QStringList{
+        QStringLiteral("Prints every setting that can be both read and written, as JSON that diff "
+                       "and restore read. Secret settings (Passphrase) are left out; their names "
+                       "are listed. What the service does not tell is left out as well, and the "
+                       "exit status is 1."),
+    };
+    command.run = run;
+    return command;
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonObject>
+
+namespace {
+
+ExitStatus run(const Request &request)
+{
+    QVector<const Setting *> settings;
+    for (const QString &name : request.arguments)
+        settings.append(&readableSetting(request.catalogue, name));
+
+    Session session(request.collection);
+    session.requireConnection();
+    ExitStatus status = ExitStatus::Done;
+    QJsonObject values;
+    QVector<QStringList> rows;
+    for (const Setting *setting : std::as_const(settings)) {
+        const Reply reply = session.call(*setting->getter);
+        if (reply.error) {
+            request.output.error(QStringLiteral("%1: %2").arg(setting->name, *reply.error));
+            status = ExitStatus::Failed;
+            continue;
+        }
+        const QJsonValue value = toJson(reply.value, setting->getter->result);
+        values.insert(setting->name, value);
+        rows.append({setting->name, toText(value)});
+    }
+
+    if (request.output.isJson())
+        request.output.json(values);
+    else if (request.arguments.size() > 1)
+        request.output.table(rows);
+    else if (!rows.isEmpty())
+        request.output.line(rows[0][1]);
+    return status;
+}
+
+} // namespace
+
+Command getCommand()
+{
+    Command command;
+    command.name = QStringLiteral("get");
+    command.arguments = QStringLiteral("NAME...");
+    command.minArguments = 1;
+    command.maxArguments = Command::AnyNumber;
+    command.completion = Completion::ReadableSetting;
+    command.summary = QStringLiteral("show the values of settings");
+    command.description = QStringList{
+        QStringLiteral("Shows the value of each setting. NAME is the name of an operation without "
+                       "its 'get': PrintSpeed stands for getPrintSpeed(). The value of a single "
+                       "setting is shown by itself, those of several beside their names."),
+    };
+    command.run = run;
+    return command;
+}

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Output.h"
+#include "../Session.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDateTime>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSocketNotifier>
+#include <QtDBus/QDBusConnection>
+
+#include <csignal>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+using libconfigurationmanager::detail::ConfigurationManager;
+
+namespace {
+
+/// Ends the event loop, in place of the process, on Ctrl-C and on the wish to terminate.
+///
+/// Make it before the first thread, which inherits that the signals are blocked.
+class QuitOnSignal
+{
+public:
+    QuitOnSignal() : m_file(blockedSignals()), m_notifier(m_file, QSocketNotifier::Read)
+    {
+        QObject::connect(&m_notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
+    }
+
+    ~QuitOnSignal() { close(m_file); }
+    Q_DISABLE_COPY(QuitOnSignal)
+
+private:
+    static int blockedSignals()
+    {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        sigprocmask(SIG_BLOCK, &signals, nullptr);
+        return signalfd(-1, &signals, SFD_CLOEXEC);
+    }
+
+    int m_file;
+    QSocketNotifier m_notifier;
+};
+
+void print(Output &output, bool isConnected)
+{
+    const QString time = QDateTime::currentDateTime().toOffsetFromUtc(
+        QDateTime::currentDateTime().offsetFromUtc()).toString(Qt::ISODateWithMs);
+    if (output.isJson()) {
+        output.jsonLine(QJsonObject{{QStringLiteral("time"), time},
+                                    {QStringLiteral("connected"), isConnected}});
+    } else {
+        output.table({{time, isConnected ? QStringLiteral("connected")
+                                         : QStringLiteral("disconnected")}});
+    }
+}
+
+bool hasBus()
+{
+    return QDBusConnection::systemBus().isConnected();
+}
+
+ExitStatus run(const Request &request)
+{
+    const QuitOnSignal quitOnSignal;
+    Session session(request.collection);
+    if (!hasBus())
+        session.requireConnection();
+    ConfigurationManager &library = session.library();
+    print(request.output, library.isConnected());
+
+    QObject::connect(&library, &ConfigurationManager::connected,
+                     [&] { print(request.output, true); });
+    QObject::connect(&library, &ConfigurationManager::disconnected, [&] {
+        print(request.output, false);
+        // Nothing can come any more.
+        if (!hasBus())
+            QCoreApplication::exit(int(ExitStatus::NotConnected));
+    });
+    const auto status = ExitStatus(QCoreApplication::exec());
+    if (status == ExitStatus::NotConnected)
+        session.requireConnection();
+    return status;
+}
+
+} // namespace
+
+Command monitorCommand()
+{
+    Command command;
+    command.name = QStringLiteral("monitor");
+    command.summary = QStringLiteral("print when the service comes and goes, until Ctrl-C");
+    command.description = QStringList{
+        QStringLiteral("Prints a line with the time for the state of the connection at first and "
+                       "for each change, until Ctrl-C. It ends with status 3 when the system bus "
+                       "itself is lost. With --json each line is an object."),
+    };
+    command.run = run;
+    return command;
+}

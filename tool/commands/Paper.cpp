@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonObject>
+
+namespace {
+
+const QString currentPaperSetting = QStringLiteral("PaperSize");
+
+/// Whether the operation asks about a paper that is named.
+bool asksAboutPaper(const Operation &operation)
+{
+    return operation.isQuery() && operation.parameters.size() == 1
+        && operation.parameters[0].name == QLatin1String("paper");
+}
+
+QString currentPaper(Session &session, const Catalogue &catalogue)
+{
+    const Reply reply = session.call(*readableSetting(catalogue, currentPaperSetting).getter);
+    if (reply.error)
+        throw Failure(ExitStatus::Failed, *reply.error);
+    return reply.value.toString();
+}
+
+ExitStatus run(const Request &request)
+{
+    Session session(request.collection);
+    session.requireConnection();
+    const QString paper = request.arguments.isEmpty() ? currentPaper(session, request.catalogue)
+                                                      : request.arguments[0];
+    QJsonObject geometry;
+    for (const Operation &operation : request.catalogue.operations()) {
+        if (!asksAboutPaper(operation))
+            continue;
+        const Reply reply = session.call(operation, {paper});
+        // A paper that the service does not know would fail every time.
+        if (reply.error)
+            throw Failure(ExitStatus::Failed, *reply.error);
+        geometry.insert(operation.settingName(), toJson(reply.value, operation.result));
+    }
+
+    if (request.output.isJson()) {
+        request.output.json(QJsonObject{{QStringLiteral("paper"), paper},
+                                        {QStringLiteral("geometry"), geometry}});
+    } else {
+        request.output.heading(paper);
+        request.output.value(geometry);
+    }
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command paperCommand()
+{
+    Command command;
+    command.name = QStringLiteral("paper");
+    command.arguments = QStringLiteral("[NAME]");
+    command.maxArguments = 1;
+    command.summary = QStringLiteral("show the geometry of a paper format");
+    command.description = QStringList{
+        QStringLiteral("Shows what the service tells about a paper format: its sizes, feed step, "
+                       "orientations and the embossers that it suits. Without NAME, it is the "
+                       "current paper (the setting PaperSize). 'embosserctl values Papers' lists "
+                       "the papers."),
+    };
+    command.run = run;
+    return command;
+}

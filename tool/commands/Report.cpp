@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Secret.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+namespace {
+
+QJsonValue reportOf(Session &session, const Catalogue &catalogue, const QString &name)
+{
+    const Operation &operation = operationFor(catalogue, name, 0);
+    const Reply reply = session.call(operation);
+    if (reply.error)
+        throw Failure(ExitStatus::Failed, QStringLiteral("%1: %2").arg(name, *reply.error));
+    return withoutSecrets(toJson(reply.value, operation.result));
+}
+
+ExitStatus run(const Request &request)
+{
+    Session session(request.collection);
+    session.requireConnection();
+    const QJsonValue embosser =
+        reportOf(session, request.catalogue, QStringLiteral("embosserInfoCmd"));
+    const QJsonValue configuration =
+        reportOf(session, request.catalogue, QStringLiteral("currentConfigurationCmd"));
+
+    Output &output = request.output;
+    if (output.isJson()) {
+        output.json(QJsonObject{{QStringLiteral("embosser"), embosser},
+                                {QStringLiteral("configuration"), configuration}});
+        return ExitStatus::Done;
+    }
+    output.heading(QStringLiteral("Embosser"));
+    output.value(embosser);
+    for (const QJsonValue &element : configuration.toArray()) {
+        const QJsonObject section = element.toObject();
+        output.heading(section.value(QStringLiteral("name")).toString());
+        output.value(section.value(QStringLiteral("properties")));
+    }
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command reportCommand()
+{
+    Command command;
+    command.name = QStringLiteral("report");
+    command.summary = QStringLiteral("show the service's reports");
+    command.description = QStringList{
+        QStringLiteral("Shows the service's report on the embosser and its report on the complete "
+                       "current configuration. Secrets in them are not shown."),
+    };
+    command.run = run;
+    return command;
+}

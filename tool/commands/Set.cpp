@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Secret.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonObject>
+
+namespace {
+
+const QString flagOption = QStringLiteral("flag");
+
+QString givenValue(const Request &request, const Setting &setting)
+{
+    if (request.arguments.size() == 2)
+        return request.arguments[1];
+    if (isSecret(setting.name))
+        return readSecret(setting.name);
+    throw Failure(ExitStatus::Usage, QStringLiteral("%1 is to be set to what?").arg(setting.name));
+}
+
+ExitStatus run(const Request &request)
+{
+    const Setting &setting = writableSetting(request.catalogue, request.arguments[0]);
+    const bool flag = request.hasOption(flagOption);
+    if (flag && !setting.takesFlag())
+        throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no flag").arg(setting.name));
+    const QVariant value = argumentFromText(givenValue(request, setting),
+                                            setting.setter->parameters[0].type);
+
+    Session session(request.collection);
+    session.requireConnection();
+    const Reply reply =
+        session.call(*setting.setter, flag ? QVariantList{value, true} : QVariantList{value});
+    if (reply.error) {
+        throw Failure(ExitStatus::Failed,
+                      QStringLiteral("%1: %2").arg(setting.name, *reply.error));
+    }
+    if (request.output.isJson()) {
+        request.output.json(QJsonObject{{QStringLiteral("setting"), setting.name},
+                                        {QStringLiteral("flag"), flag}});
+    }
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command setCommand()
+{
+    Command command;
+    command.name = QStringLiteral("set");
+    command.arguments = QStringLiteral("NAME [VALUE]");
+    command.minArguments = 1;
+    command.maxArguments = 2;
+    command.completion = Completion::WritableSetting;
+    command.completedArguments = 1;
+    command.options = {{flagOption, {}, QStringLiteral("give the service its own flag as true")}};
+    command.summary = QStringLiteral("write a setting");
+    command.description = QStringList{
+        QStringLiteral("Writes a setting. NAME is the name of an operation without its 'set'. The "
+                       "service decides whether it accepts the value."),
+        QStringLiteral("VALUE may be left away for a secret setting only (Passphrase). It is then "
+                       "asked for without echo if standard input is a terminal, and else all of "
+                       "standard input, without a newline at its end."),
+    };
+    command.run = run;
+    return command;
+}

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+namespace {
+
+/// A line of the status: what it is called and which operation tells it.
+struct Fact
+{
+    QString label;
+    QString key;
+    QString operation;
+};
+
+const QVector<Fact> &facts()
+{
+    static const QVector<Fact> facts{
+        {QStringLiteral("Embosser type"), QStringLiteral("type"), QStringLiteral("getType")},
+        {QStringLiteral("Model"), QStringLiteral("model"), QStringLiteral("getModel")},
+        {QStringLiteral("Serial number"), QStringLiteral("serialNumber"),
+         QStringLiteral("getSerialNo")},
+        {QStringLiteral("Firmware version"), QStringLiteral("firmwareVersion"),
+         QStringLiteral("getVersionInt")},
+        {QStringLiteral("Firmware date"), QStringLiteral("firmwareDate"),
+         QStringLiteral("getFirmwareDate")},
+        {QStringLiteral("Paper feed"), QStringLiteral("feedType"), QStringLiteral("getFeedType")},
+        {QStringLiteral("Print head"), QStringLiteral("headType"), QStringLiteral("getHeadType")},
+    };
+    return facts;
+}
+
+/// Whether the operation asks something about the embosser that is true or false.
+bool isCapability(const Operation &operation)
+{
+    return operation.isQuery() && !operation.isGetter() && operation.parameters.isEmpty() && operation.result.name == QLatin1String("bool");
+}
+
+/// Asks the service several things, and tells on standard error what it does not answer.
+class Questions
+{
+public:
+    explicit Questions(const Request &request)
+        : m_request(request), m_session(request.collection)
+    {
+        m_session.requireConnection();
+    }
+
+    QJsonValue ask(const Operation &operation)
+    {
+        const Reply reply = m_session.call(operation);
+        if (!reply.error)
+            return toJson(reply.value, operation.result);
+        m_request.output.error(QStringLiteral("%1: %2").arg(operation.name, *reply.error));
+        m_status = ExitStatus::Failed;
+        return QJsonValue(QJsonValue::Undefined);
+    }
+
+    ExitStatus status() const { return m_status; }
+
+private:
+    const Request &m_request;
+    Session m_session;
+    ExitStatus m_status = ExitStatus::Done;
+};
+
+ExitStatus runConnected(const Request &request)
+{
+    Questions questions(request);
+    QJsonObject status{{QStringLiteral("connected"), true}};
+    QVector<QStringList> rows{{QStringLiteral("Connected"), QStringLiteral("yes")}};
+    for (const Fact &fact : facts()) {
+        const QJsonValue answer =
+            questions.ask(operationFor(request.catalogue, fact.operation, 0));
+        if (answer.isUndefined())
+            continue;
+        status.insert(fact.key, answer);
+        rows.append({fact.label, toText(answer)});
+    }
+
+    QJsonArray capabilities;
+    QStringList names;
+    for (const Operation &operation : request.catalogue.operations()) {
+        if (isCapability(operation) && questions.ask(operation).toBool()) {
+            capabilities.append(operation.name);
+            names.append(operation.name);
+        }
+    }
+    status.insert(QStringLiteral("capabilities"), capabilities);
+    rows.append({QStringLiteral("Capabilities"), names.join(QLatin1Char(' '))});
+
+    if (request.output.isJson())
+        request.output.json(status);
+    else
+        request.output.table(rows);
+    return questions.status();
+}
+
+ExitStatus run(const Request &request)
+{
+    try {
+        return runConnected(request);
+    } catch (const Failure &failure) {
+        if (failure.status() == ExitStatus::NotConnected) {
+            if (request.output.isJson())
+                request.output.json(QJsonObject{{QStringLiteral("connected"), false}});
+            else
+                request.output.table({{QStringLiteral("Connected"), QStringLiteral("no")}});
+        }
+        throw;
+    }
+}
+
+} // namespace
+
+Command statusCommand()
+{
+    Command command;
+    command.name = QStringLiteral("status");
+    command.summary = QStringLiteral("show whether the service is there, and of which embosser");
+    command.description = QStringList{
+        QStringLiteral("Shows whether the configuration service is connected, and the embosser's "
+                       "model, serial number, firmware and capabilities: the operations that "
+                       "answer true, such as hasFeeder."),
+    };
+    command.run = run;
+    return command;
+}

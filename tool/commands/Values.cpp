@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+
+#include "../Lookup.h"
+#include "../Output.h"
+#include "../Secret.h"
+#include "../Session.h"
+#include "../Value.h"
+
+#include <QtCore/QJsonArray>
+
+namespace {
+
+const QString valueListOperation = QStringLiteral("getValueList");
+
+ExitStatus run(const Request &request)
+{
+    const ValueType rowType{QStringLiteral("int"), Enumeration(QStringLiteral("RowValueList"))};
+    const QVariant row = argumentFromText(request.arguments[0], rowType);
+    const Operation &operation = operationFor(request.catalogue, valueListOperation, 1);
+
+    Session session(request.collection);
+    session.requireConnection();
+    const Reply reply = session.call(operation, {row});
+    if (reply.error)
+        throw Failure(ExitStatus::Failed, *reply.error);
+    const QJsonValue list = withoutSecrets(toJson(reply.value, operation.result));
+    if (request.output.isJson())
+        request.output.json(list);
+    else if (list.toArray().isEmpty())
+        request.output.note(QStringLiteral("the list is empty"));
+    else
+        request.output.value(list);
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+Command valuesCommand()
+{
+    Command command;
+    command.name = QStringLiteral("values");
+    command.arguments = QStringLiteral("ROW");
+    command.minArguments = 1;
+    command.maxArguments = 1;
+    command.completion = Completion::ValueList;
+    command.summary = QStringLiteral("show the choices of a value list");
+    command.description = QStringList{
+        QStringLiteral("Shows the values among which the service lets a setting be chosen, as a "
+                       "table. ROW is a key of RowValueList, such as Papers or BaudRate, or a "
+                       "number."),
+    };
+    command.run = run;
+    return command;
+}

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+
+#include "Documentation.h"
+
+#include "../Catalogue.h"
+#include "../Enumeration.h"
+#include "../Failure.h"
+
+QString ProgramText::summary()
+{
+    return QStringLiteral("reads and writes the configuration of a Braille embosser");
+}
+
+QStringList ProgramText::description()
+{
+    return {
+        QStringLiteral("Everything goes through the configuration service on the system bus, which "
+                       "knows the embosser's model, its limits and its units. embosserctl only "
+                       "passes on what it is given and what the service answers; it does not start "
+                       "the service."),
+        QStringLiteral("Numbers of an enumeration are shown by their key. Where a number is "
+                       "expected, the key may be given (Landscape), and the key of any enumeration "
+                       "with its name (PrintSpeed::Draft). A map is given as a JSON object. A text "
+                       "that begins with a minus is given after '--'."),
+        QStringLiteral("The values of secret settings (Passphrase) are shown by the command get "
+                       "only. On the command line they can be seen by other users and stay in the "
+                       "shell's history: leave the value away, and set reads it from standard "
+                       "input, or asks for it without echo."),
+        QStringLiteral("On a terminal the output is aligned and coloured. Elsewhere it is plain, "
+                       "its columns separated by tabs."),
+    };
+}
+
+QVector<QStringList> ProgramText::exitStatus()
+{
+    return {
+        {QStringLiteral("0"), QStringLiteral("done")},
+        {QStringLiteral("1"),
+         QStringLiteral("the service refused or failed; its message is on standard error")},
+        {QStringLiteral("2"), QStringLiteral("the command line or a given file is wrong")},
+        {QStringLiteral("3"),
+         QStringLiteral("not connected: the system bus or the service on it is missing")},
+    };
+}
+
+QVector<QStringList> ProgramText::environment()
+{
+    return {
+        {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"),
+         QStringLiteral("the address of the bus to use as the system bus")},
+        {QStringLiteral("NO_COLOR"), QStringLiteral("if not empty, as --no-color")},
+    };
+}
+
+QVector<QStringList> ProgramText::examples()
+{
+    return {
+        {QStringLiteral("embosserctl list speed"),
+         QStringLiteral("tells every operation that has to do with speed")},
+        {QStringLiteral("embosserctl get PrintSpeed OddHighPulseTime"),
+         QStringLiteral("shows two settings")},
+        {QStringLiteral("embosserctl set AlignLow -3 --flag"),
+         QStringLiteral("writes a setting, and gives the service its flag")},
+        {QStringLiteral("embosserctl call getReleaseTime Tray"),
+         QStringLiteral("calls an operation that takes arguments")},
+        {QStringLiteral("embosserctl set Passphrase < FILE"),
+         QStringLiteral("writes a secret without showing it")},
+        {QStringLiteral("embosserctl dump > before.json"),
+         QStringLiteral("saves the configuration")},
+        {QStringLiteral("embosserctl diff before.json"),
+         QStringLiteral("shows what has changed since")},
+        {QStringLiteral("embosserctl restore before.json"), QStringLiteral("takes it back")},
+    };
+}
+
+QString synopsis(const Command &command)
+{
+    QString text = QStringLiteral("embosserctl ") + command.name;
+    if (!command.arguments.isEmpty())
+        text += QLatin1Char(' ') + command.arguments;
+    for (const Option &option : command.options)
+        text += QStringLiteral(" [%1]").arg(typed(option));
+    return text;
+}
+
+QString typed(const Option &option)
+{
+    const QString name = QStringLiteral("--") + option.name;
+    return option.valueName.isEmpty() ? name : QStringLiteral("%1 %2").arg(name, option.valueName);
+}
+
+QStringList candidates(Completion completion, const Catalogue &catalogue)
+{
+    switch (completion) {
+    case Completion::None:
+    case Completion::File:
+        return {};
+    case Completion::Operation:
+        return catalogue.operationNames();
+    case Completion::ReadableSetting:
+        return catalogue.readableSettings();
+    case Completion::WritableSetting:
+        return catalogue.writableSettings();
+    case Completion::ValueList:
+        return Enumeration(QStringLiteral("RowValueList")).keys();
+    case Completion::FileOrLive:
+        return {QStringLiteral("live"), QStringLiteral("collection:")};
+    }
+    Q_UNREACHABLE();
+}
+
+QString documentation(const QString &kind, const QVector<Command> &commands,
+                      const Catalogue &catalogue)
+{
+    if (kind == QLatin1String("man"))
+        return manualPage(commands);
+    if (kind == QLatin1String("bash"))
+        return bashCompletion(commands, catalogue);
+    if (kind == QLatin1String("zsh"))
+        return zshCompletion(commands, catalogue);
+    throw Failure(ExitStatus::Usage,
+                  QStringLiteral("'%1' cannot be generated, only man, bash and zsh").arg(kind));
+}
