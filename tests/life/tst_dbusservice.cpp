@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+
+#include "BusMonitor.h"
+#include "RecordingService.h"
+
+#include <libtavelorn/DBusService.h>
+
+#include <QtCore/QPointer>
+#include <QtDBus/QDBusAbstractInterface>
+#include <QtDBus/QDBusConnectionInterface>
+#include <QtDBus/QDBusReply>
+#include <QtTest/QTest>
+
+#include <future>
+#include <memory>
+#include <utility>
+
+using libtavelorn::DBusService;
+
+namespace {
+
+const QString name = QStringLiteral("com.tavelornbraille.ConfigurationManager");
+
+/// The signals of a service, in their order.
+class Signals
+{
+public:
+    explicit Signals(const DBusService &service)
+    {
+        QObject::connect(&service, &DBusService::connected, &m_receiver, [this, &service] {
+            m_texts.append(QStringLiteral("connected"));
+            m_consistent = m_consistent && service.isConnected();
+        });
+        QObject::connect(&service, &DBusService::disconnected, &m_receiver, [this, &service] {
+            m_texts.append(QStringLiteral("disconnected"));
+            m_consistent = m_consistent && !service.isConnected();
+        });
+    }
+
+    QString texts() const { return m_texts.join(QLatin1Char(' ')); }
+    /// Whether isConnected() gave the same answer as the signal each time.
+    bool areConsistent() const { return m_consistent; }
+
+private:
+    QObject m_receiver;
+    QStringList m_texts;
+    bool m_consistent = true;
+};
+
+} // namespace
+
+class TestDBusService : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        m_first.unregisterService(name);
+        m_second.unregisterService(name);
+    }
+
+    void tellsWhenTheServiceComesAndWhenItLeaves()
+    {
+        const DBusService service(m_watching, name, nullptr);
+        const Signals seen(service);
+        QVERIFY(!service.isConnected());
+
+        QVERIFY(m_first.registerService(name));
+        QTRY_COMPARE(seen.texts(), QStringLiteral("connected"));
+        QVERIFY(m_first.unregisterService(name));
+        QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected"));
+        QVERIFY(m_second.registerService(name));
+        QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected connected"));
+        QVERIFY(seen.areConsistent());
+    }
+
+    void knowsAtOnceOfAServiceThatIsThere()
+    {
+        QVERIFY(m_first.registerService(name));
+        const DBusService service(m_watching, name, nullptr);
+        const Signals seen(service);
+        QVERIFY(service.isConnected());
+
+        QVERIFY(m_first.unregisterService(name));
+        QTRY_COMPARE(seen.texts(), QStringLiteral("disconnected"));
+    }
+
+    void takesAReplacedOwnerForALeavingAndAComing()
+    {
+        own(m_first);
+        const DBusService service(m_watching, name, nullptr);
+        const Signals seen(service);
+        own(m_second);
+        QTRY_COMPARE(seen.texts(), QStringLiteral("disconnected connected"));
+        QVERIFY(service.isConnected());
+        QVERIFY(seen.areConsistent());
+    }
+
+    void tellsEachChangeOnceWhenASlotRunsTheEventLoop_data()
+    {
+        QTest::addColumn<bool>("replaced");
+        QTest::addColumn<QString>("changes");
+        QTest::addColumn<QString>("texts");
+        QTest::newRow("the new owner leaves")
+            << false << QStringLiteral("disconnected connected disconnected")
+            << QStringLiteral("disconnected");
+        QTest::newRow("the new owner is replaced")
+            << true << QStringLiteral("disconnected connected disconnected connected")
+            << QStringLiteral("disconnected connected");
+    }
+
+    void tellsEachChangeOnceWhenASlotRunsTheEventLoop()
+    {
+        QFETCH(const bool, replaced);
+        QFETCH(const QString, changes);
+        QFETCH(const QString, texts);
+        own(m_first);
+        const DBusService service(m_watching, name, nullptr);
+        const DBusService other(m_watching, name, nullptr);
+        const Signals seen(service);
+        const Signals seenByOther(other);
+        bool entered = false;
+        connect(&service, &DBusService::disconnected, this, [&] {
+            if (std::exchange(entered, true))
+                return;
+            if (replaced)
+                own(m_first);
+            else
+                QVERIFY(m_second.unregisterService(name));
+            QTRY_COMPARE(seenByOther.texts(), changes);
+        });
+        own(m_second);
+        QTRY_COMPARE(seenByOther.texts(), changes);
+        QTRY_COMPARE(seen.texts(), texts);
+        QCOMPARE(service.isConnected(), replaced);
+        QVERIFY(seen.areConsistent());
+    }
+
+    void heedsNoOtherService()
+    {
+        const DBusService service(m_watching, name, nullptr);
+        const Signals seen(service);
+        QVERIFY(m_first.registerService(name + QStringLiteral(".Other")));
+        QVERIFY(m_first.registerService(QStringLiteral("com.tavelornbraille")));
+        QVERIFY(m_first.registerService(name));
+        QTRY_COMPARE(seen.texts(), QStringLiteral("connected"));
+    }
+
+    void isNotConnectedWithoutABus()
+    {
+        DBusService service(QDBusConnection(QStringLiteral("none")), name, nullptr);
+        QVERIFY(!service.isConnected());
+        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), name);
+        QVERIFY(proxy);
+        QCOMPARE(proxy->call(QStringLiteral("getTabSize")).type(), QDBusMessage::ErrorMessage);
+    }
+
+    void isReadableFromAnotherThread()
+    {
+        QVERIFY(m_first.registerService(name));
+        const DBusService service(m_watching, name, nullptr);
+        QVERIFY(std::async(std::launch::async, [&] { return service.isConnected(); }).get());
+    }
+
+    void asksTheBusOnlyWhenItIsMade()
+    {
+        BusMonitor monitor(m_bus);
+        const DBusService service(m_watching, name, nullptr);
+        QVERIFY(!monitor.takeCalls(m_watching).isEmpty());
+        for (int i = 0; i < 1000; ++i)
+            QVERIFY(!service.isConnected());
+        QCOMPARE(monitor.takeCalls(m_watching), QStringList());
+    }
+
+    void makesProxiesThatItOwns()
+    {
+        auto service = std::make_unique<DBusService>(m_watching, name, nullptr);
+        const QString path = QStringLiteral("/some/path");
+        const QString interface = QStringLiteral("some.Interface");
+        const QPointer<QDBusAbstractInterface> proxy = service->interface(path, interface);
+        QCOMPARE(proxy->service(), name);
+        QCOMPARE(proxy->path(), path);
+        QCOMPARE(proxy->interface(), interface);
+        QCOMPARE(proxy->connection().baseService(), m_watching.baseService());
+        service.reset();
+        QVERIFY(!proxy);
+    }
+
+    void makesProxiesThatDoNotIntrospect()
+    {
+        RecordingService recording(m_bus);
+        recording.start();
+        recording.setAnswer(Answer::value(8));
+        DBusService service(m_watching, name, nullptr);
+        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), name);
+        QVERIFY(recording.takeCalls().isEmpty());
+
+        const QDBusReply<int> reply = proxy->call(QStringLiteral("getTabSize"));
+        QCOMPARE(reply.value(), 8);
+        QCOMPARE(recording.takeCalls().size(), 1);
+    }
+
+    void belongsToItsParent()
+    {
+        auto parent = std::make_unique<QObject>();
+        const QPointer<DBusService> service = new DBusService(m_watching, name, parent.get());
+        QCOMPARE(service->parent(), parent.get());
+        parent.reset();
+        QVERIFY(!service);
+    }
+
+private:
+    /// Gives the connection the name, whoever has it.
+    static void own(const QDBusConnection &connection)
+    {
+        QCOMPARE(connection.interface()
+                     ->registerService(name, QDBusConnectionInterface::ReplaceExistingService,
+                                       QDBusConnectionInterface::AllowReplacement)
+                     .value(),
+                 QDBusConnectionInterface::ServiceRegistered);
+    }
+
+    const PrivateBus m_bus;
+    QDBusConnection m_watching = m_bus.connect(QStringLiteral("watching"));
+    QDBusConnection m_first = m_bus.connect(QStringLiteral("first"));
+    QDBusConnection m_second = m_bus.connect(QStringLiteral("second"));
+};
+
+QTEST_GUILESS_MAIN(TestDBusService)
+#include "tst_dbusservice.moc"
