@@ -2,44 +2,208 @@
 
 #include "Configuration.h"
 
+#include "Profile.h"
+#include "Refusal.h"
 #include "Settings.h"
 #include "Store.h"
 #include "Types.h"
+
+#include <cmath>
+#include <limits>
 
 namespace simulator {
 
 namespace {
 
-QString scopeOf(const Setting &setting, const QString &collection)
+// The collections beside the master.
+const QString collectionsScope = QStringLiteral("collections");
+const QString deviceScope = QStringLiteral("device");
+const QString paperSize = QStringLiteral("PaperSize");
+
+QString collectionScope(const QString &collection)
 {
-    return setting.perCollection ? QStringLiteral("collection:") + collection
-                                 : QStringLiteral("device");
+    return QStringLiteral("collection:") + collection;
 }
 
-QString storedName(const Setting &setting, const QString &key)
+QString scopeOf(const Setting &setting, const QString &collection)
 {
-    return setting.keyed ? setting.name + QLatin1Char('/') + key : setting.name;
+    return setting.perCollection ? collectionScope(collection) : deviceScope;
+}
+
+bool isNumber(const QVariant &value)
+{
+    switch (value.userType()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UChar:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isWithoutLoss(const QVariant &value, int type)
+{
+    if (value.userType() == type)
+        return true;
+    if (!isNumber(value))
+        return false;
+    const double number = value.toDouble();
+    return type == QMetaType::Double ||
+           (type == QMetaType::Int && number == std::floor(number) &&
+            number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max());
 }
 
 } // namespace
 
-Configuration::Configuration(const Settings &settings, Store &store)
-    : m_settings(settings), m_store(store)
+Configuration::Configuration(const Settings &settings, const Profile &profile, Store &store)
+    : m_settings(settings), m_profile(profile), m_store(store)
 {
 }
 
-QVariant Configuration::value(const Setting &setting, const QString &key,
-                              const QString &collection) const
+const Parameter &Configuration::parameter(const QString &name) const
 {
-    QVariant value = m_store.value(scopeOf(setting, collection), storedName(setting, key));
-    value.convert(metaTypeOf(setting.type));
+    const auto found = m_profile.parameters().constFind(name);
+    if (found != m_profile.parameters().cend())
+        return *found;
+    const QString base = name.section(QLatin1Char('/'), 0, 0) + QLatin1Char('/');
+    QStringList keys;
+    for (const QString &other : m_profile.parameters().keys()) {
+        if (other.startsWith(base))
+            keys += other.mid(base.size());
+    }
+    throw unknownName(keys.isEmpty()
+                          ? QStringLiteral("there is no setting \"%1\"").arg(name)
+                          : QStringLiteral("there is no setting \"%1\"; the keys are: %2")
+                                .arg(name, keys.join(QStringLiteral(", "))));
+}
+
+const Setting &Configuration::setting(const QString &name) const
+{
+    parameter(name);
+    return *m_settings.all().constFind(name.section(QLatin1Char('/'), 0, 0));
+}
+
+void Configuration::requireInteger(const QString &name) const
+{
+    const QString type = setting(name).type;
+    if (type != QLatin1String("i"))
+        throw invalidValue(
+            QStringLiteral("%1 is no integer, but of D-Bus type %2").arg(name, type));
+}
+
+int Configuration::initialInteger(const QString &name) const
+{
+    requireInteger(name);
+    return parameter(name).initial.toInt();
+}
+
+QVariant Configuration::value(const QString &name, const QString &collection) const
+{
+    const Parameter &known = parameter(name);
+    const Setting &asked = setting(name);
+    QVariant value = m_store.value(scopeOf(asked, collection), name);
+    if (!value.isValid() && !known.follows.isEmpty())
+        value = m_profile.papers()
+                    .value(this->value(paperSize, collection).toString())
+                    .value(known.follows);
+    if (!value.isValid())
+        return known.initial;
+    value.convert(metaTypeOf(asked.type));
     return value;
 }
 
-void Configuration::setValue(const Setting &setting, const QString &key, const QString &collection,
-                             const QVariant &value)
+QVariant Configuration::checked(const QString &name, const QVariant &value) const
 {
-    m_store.setValue(scopeOf(setting, collection), storedName(setting, key), value);
+    const QString type = setting(name).type;
+    if (!isWithoutLoss(value, metaTypeOf(type)))
+        throw invalidValue(QStringLiteral("%1: takes a value of D-Bus type %2").arg(name, type));
+    QVariant converted = value;
+    converted.convert(metaTypeOf(type));
+    const QString objection = m_profile.objectionTo(name, converted);
+    if (!objection.isEmpty())
+        throw invalidValue(name + QLatin1String(": ") + objection);
+    return converted;
+}
+
+void Configuration::setValue(const QString &name, const QString &collection, const QVariant &value)
+{
+    const QString scope = scopeOf(setting(name), collection);
+    Store::Transaction transaction(m_store);
+    m_store.setValue(scope, name, checked(name, value));
+    if (setting(name).perCollection && collection != masterCollection())
+        m_store.setValue(collectionsScope, collection, true);
+    if (name == paperSize) {
+        const auto &parameters = m_profile.parameters();
+        for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
+            if (!parameter->follows.isEmpty())
+                m_store.removeValue(scope, parameter.key());
+        }
+    }
+    transaction.commit();
+}
+
+void Configuration::increment(const QString &name, const QString &collection)
+{
+    setValue(name, collection, value(name, collection).toLongLong() + 1);
+}
+
+void Configuration::reset(const QString &name, const QString &collection)
+{
+    m_store.removeValue(scopeOf(setting(name), collection), name);
+}
+
+void Configuration::setValues(const QString &collection, const QVariantMap &values)
+{
+    Store::Transaction transaction(m_store);
+    // The paper first: it would undo what is said of its properties.
+    if (values.contains(paperSize))
+        setValue(paperSize, collection, values.value(paperSize));
+    for (auto value = values.begin(); value != values.end(); ++value) {
+        if (value.key() != paperSize)
+            setValue(value.key(), collection, *value);
+    }
+    transaction.commit();
+}
+
+QStringList Configuration::collections() const
+{
+    return QStringList(masterCollection()) + m_store.values(collectionsScope).keys();
+}
+
+QStringList Configuration::namesSetIn(const QString &collection) const
+{
+    QStringList names = m_store.values(collectionScope(collection)).keys();
+    if (collection == masterCollection())
+        names += m_store.values(deviceScope).keys();
+    return names;
+}
+
+bool Configuration::duplicateCollection(const QString &from, const QString &to)
+{
+    if (!collections().contains(from) || collections().contains(to))
+        return false;
+    Store::Transaction transaction(m_store);
+    m_store.copyScope(collectionScope(from), collectionScope(to));
+    m_store.setValue(collectionsScope, to, true);
+    transaction.commit();
+    return true;
+}
+
+bool Configuration::removeCollection(const QString &collection)
+{
+    if (collection == masterCollection() || !collections().contains(collection))
+        return false;
+    Store::Transaction transaction(m_store);
+    m_store.removeScope(collectionScope(collection));
+    m_store.removeValue(collectionsScope, collection);
+    transaction.commit();
+    return true;
 }
 
 } // namespace simulator

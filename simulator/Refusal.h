@@ -20,6 +20,24 @@ inline Refusal invalidArguments(const QString &message)
     return {QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"), message};
 }
 
+/// A name of a setting, a paper or the like that the service does not know.
+inline Refusal unknownName(const QString &message)
+{
+    return {QStringLiteral("com.tavelornbraille.ConfigurationManager.Error.UnknownName"), message};
+}
+
+/// A value that the setting cannot have.
+inline Refusal invalidValue(const QString &message)
+{
+    return {QStringLiteral("com.tavelornbraille.ConfigurationManager.Error.InvalidValue"), message};
+}
+
+/// A command that could not be carried out.
+inline Refusal failed(const QString &message)
+{
+    return {QStringLiteral("org.freedesktop.DBus.Error.Failed"), message};
+}
+
 } // namespace simulator
 
 #endif

@@ -5,10 +5,13 @@
 #include "Call.h"
 #include "Configuration.h"
 #include "Interface.h"
+#include "Profile.h"
 #include "Refusal.h"
+#include "ServiceLog.h"
 #include "Settings.h"
 #include "Store.h"
 #include "Types.h"
+#include "UserSettings.h"
 
 #include <QtDBus/QDBusConnection>
 
@@ -31,11 +34,42 @@ const Method &checkedMethod(const Interface &interface, const QDBusMessage &mess
     return *method;
 }
 
+/// The name of the setting's value that a call is about.
+QString nameOf(const Setting &setting, const Call &call)
+{
+    if (!setting.keyed)
+        return setting.name;
+    return setting.name + QLatin1Char('/') + call.argument(keyArgument(call.method())).toString();
+}
+
+/// The value as the method answers it: the two are of different types where a setting is written as
+/// one and read as the other.
+QVariant converted(const QVariant &value, const QString &dbusType)
+{
+    // A checksum takes all 32 bits, of which the highest is a sign here.
+    if (dbusType == QLatin1String("i") && value.userType() == QMetaType::Double)
+        return int(quint32(value.toDouble()));
+    return value;
+}
+
 } // namespace
 
-Service::Service(const Interface &interface, Configuration &configuration)
-    : m_interface(interface), m_configuration(configuration)
+Service::Service(const Interface &interface, Configuration &configuration,
+                 UserSettings &userSettings, ServiceLog &log, const Handlers &handlers)
+    : m_interface(interface),
+      m_configuration(configuration),
+      m_userSettings(userSettings),
+      m_log(log),
+      m_handlers(handlers)
 {
+    QStringList others;
+    for (const Method &method : interface.methods()) {
+        const Settings &settings = configuration.settings();
+        if (!handlers.contains(method.name) && !settings.writtenBy(method) &&
+            !settings.readBy(method))
+            others += method.name;
+    }
+    configuration.profile().requireAnswers(others);
 }
 
 QString Service::introspect(const QString &) const
@@ -48,13 +82,14 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     // D-Bus allows a call that does not say which interface it means.
     if (!message.interface().isEmpty() && message.interface() != m_interface.name())
         return false;
-    const QDBusMessage answer = reply(message);
+    const QDBusMessage answer = answerTo(message);
+    m_log.add(message.member(), answer.errorName());
     if (message.isReplyRequired())
         connection.send(answer);
     return true;
 }
 
-QDBusMessage Service::reply(const QDBusMessage &message)
+QDBusMessage Service::answerTo(const QDBusMessage &message)
 {
     try {
         const Method &method = checkedMethod(m_interface, message);
@@ -70,21 +105,20 @@ QDBusMessage Service::reply(const QDBusMessage &message)
 QVariant Service::carryOut(const Call &call)
 {
     const Method &method = call.method();
-    const QString key = call.argument(keyArgument(method)).toString();
-    QVariant result;
+    const auto handler = m_handlers.constFind(method.name);
+    if (handler != m_handlers.cend())
+        return (*handler)(call);
     if (const Setting *written = m_configuration.settings().writtenBy(method)) {
-        m_configuration.setValue(*written, key, call.collectionId(),
-                                 call.argument(valueArgument(method)));
-        result = true;
-    } else if (const Setting *read = m_configuration.settings().readBy(method)) {
-        result = m_configuration.value(*read, key, call.collectionId());
+        const QString name = nameOf(*written, call);
+        m_configuration.setValue(name, call.collectionId(), call.argument(valueArgument(method)));
+        if (call.argument("flag").toBool())
+            m_userSettings.remember(name, call.collectionId());
+        return method.resultType.isEmpty() ? QVariant() : true;
     }
-    if (method.resultType.isEmpty())
-        return {};
-    const int type = metaTypeOf(method.resultType);
-    if (!result.convert(type))
-        result = QVariant(type, nullptr);
-    return result;
+    if (const Setting *read = m_configuration.settings().readBy(method))
+        return converted(m_configuration.value(nameOf(*read, call), call.collectionId()),
+                         method.resultType);
+    return m_configuration.profile().answers().value(method.name);
 }
 
 } // namespace simulator

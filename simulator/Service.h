@@ -3,6 +3,8 @@
 #ifndef SIMULATOR_SERVICE_H
 #define SIMULATOR_SERVICE_H
 
+#include "Handlers.h"
+
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVirtualObject>
 
@@ -11,23 +13,31 @@ namespace simulator {
 class Call;
 class Configuration;
 class Interface;
+class ServiceLog;
+class UserSettings;
 
 /// Answers the calls of the configuration service's methods.
 class Service : public QDBusVirtualObject
 {
     Q_OBJECT
 public:
-    Service(const Interface &interface, Configuration &configuration);
+    /// `handlers` are of the methods that neither read or write one setting nor have their answer
+    /// in the profile. Throws JsonError if that leaves a method without an answer.
+    Service(const Interface &interface, Configuration &configuration, UserSettings &userSettings,
+            ServiceLog &log, const Handlers &handlers);
 
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 private:
-    QDBusMessage reply(const QDBusMessage &message);
+    QDBusMessage answerTo(const QDBusMessage &message);
     QVariant carryOut(const Call &call);
 
     const Interface &m_interface;
     Configuration &m_configuration;
+    UserSettings &m_userSettings;
+    ServiceLog &m_log;
+    const Handlers m_handlers;
 };
 
 } // namespace simulator

@@ -21,12 +21,13 @@ const int formatVersion = 1;
 } // namespace
 
 Store::Store(const QString &file)
-    : m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("state")))
+    : m_file(file),
+      m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("state")))
 {
     m_database.setDatabaseName(file.isEmpty() ? QStringLiteral(":memory:") : file);
     if (!m_database.open())
         fail(file, m_database.lastError());
-    createOrCheckTables(file);
+    createOrCheckTables();
 }
 
 Store::~Store()
@@ -37,7 +38,7 @@ Store::~Store()
     QSqlDatabase::removeDatabase(name);
 }
 
-void Store::createOrCheckTables(const QString &file)
+void Store::createOrCheckTables()
 {
     try {
         run(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
@@ -67,7 +68,7 @@ void Store::createOrCheckTables(const QString &file)
         version.finish();
         run(QStringLiteral("COMMIT"));
     } catch (const StoreError &error) {
-        throw StoreError(file.toStdString() + ": " + error.what());
+        throw StoreError(m_file.toStdString() + ": " + error.what());
     }
 }
 
@@ -82,6 +83,18 @@ QSqlQuery Store::run(const QString &sql, const QVariantList &values) const
     if (!query.exec())
         fail(QStringLiteral("SQLite"), query.lastError());
     return query;
+}
+
+void Store::bindTo(const QString &model)
+{
+    const QString scope = QStringLiteral("store");
+    const QString name = QStringLiteral("model");
+    const QVariant stored = value(scope, name);
+    if (stored.isValid() && stored != model)
+        throw StoreError(QStringLiteral("%1: is the state of a %2, not of a %3")
+                             .arg(m_file, stored.toString(), model)
+                             .toStdString());
+    setValue(scope, name, model);
 }
 
 QVariant Store::value(const QString &scope, const QString &name) const
@@ -106,18 +119,21 @@ void Store::setValue(const QString &scope, const QString &name, const QVariant &
     run(QStringLiteral("INSERT OR REPLACE INTO setting VALUES (?, ?, ?)"), {scope, name, value});
 }
 
-QStringList Store::scopes() const
+void Store::removeValue(const QString &scope, const QString &name)
 {
-    QSqlQuery query = run(QStringLiteral("SELECT DISTINCT scope FROM setting ORDER BY scope"));
-    QStringList scopes;
-    while (query.next())
-        scopes += query.value(0).toString();
-    return scopes;
+    run(QStringLiteral("DELETE FROM setting WHERE scope = ? AND name = ?"), {scope, name});
 }
 
 void Store::removeScope(const QString &scope)
 {
     run(QStringLiteral("DELETE FROM setting WHERE scope = ?"), {scope});
+}
+
+void Store::copyScope(const QString &from, const QString &to)
+{
+    run(QStringLiteral("INSERT OR REPLACE INTO setting "
+                       "SELECT ?, name, value FROM setting WHERE scope = ?"),
+        {to, from});
 }
 
 Store::Transaction::Transaction(Store &store) : m_store(store), m_outermost(!store.m_inTransaction)

@@ -34,14 +34,18 @@ public:
     ~Store();
     Q_DISABLE_COPY(Store)
 
+    /// Marks what is kept as the state of a model. Throws if it is that of another one.
+    void bindTo(const QString &model);
+
     /// Invalid when nothing has been set.
     QVariant value(const QString &scope, const QString &name) const;
     QMap<QString, QVariant> values(const QString &scope) const;
     void setValue(const QString &scope, const QString &name, const QVariant &value);
-
-    /// The scopes that have a value, in ascending order.
-    QStringList scopes() const;
+    void removeValue(const QString &scope, const QString &name);
     void removeScope(const QString &scope);
+
+    /// Adds the values of one scope to another.
+    void copyScope(const QString &from, const QString &to);
 
     /// Changes that come into force together or, unless commit() is called, not at all.
     class Transaction
@@ -60,8 +64,9 @@ public:
 
 private:
     QSqlQuery run(const QString &sql, const QVariantList &values = {}) const;
-    void createOrCheckTables(const QString &file);
+    void createOrCheckTables();
 
+    const QString m_file;
     QSqlDatabase m_database;
     bool m_inTransaction = false;
 };

@@ -2,15 +2,22 @@
 
 #include "BusName.h"
 #include "Configuration.h"
+#include "GeometryQueries.h"
 #include "Interface.h"
+#include "Options.h"
+#include "ParameterQueries.h"
+#include "Profile.h"
 #include "Service.h"
+#include "ServiceCommands.h"
+#include "ServiceLog.h"
 #include "Settings.h"
 #include "Store.h"
 #include "TerminationSignals.h"
+#include "UserSettings.h"
 
-#include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
+#include <QtCore/QTimer>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 
@@ -20,11 +27,13 @@ using namespace simulator;
 
 namespace {
 
-[[noreturn]] void fail(const QString &reason)
+// How long a restart keeps the service off the bus.
+const int restartMilliseconds = 500;
+
+int fail(const QString &reason)
 {
-    std::fprintf(stderr, "%s: %s\n", qPrintable(QCoreApplication::applicationName()),
-                 qPrintable(reason));
-    std::exit(EXIT_FAILURE);
+    std::fprintf(stderr, "embosser-simulator: %s\n", qPrintable(reason));
+    return EXIT_FAILURE;
 }
 
 QByteArray resource(const QString &path)
@@ -35,6 +44,49 @@ QByteArray resource(const QString &path)
     return file.readAll();
 }
 
+int run(const Options &options)
+{
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::received, qApp, &QCoreApplication::quit);
+
+    const Interface interface(
+        resource(QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml")));
+    const Settings settings(interface);
+    const Profile profile(options.profileFile, interface, settings);
+    Store store(options.stateFile);
+    store.bindTo(profile.name());
+    Configuration configuration(settings, profile, store);
+    UserSettings userSettings(configuration, store, options.usbDirectory);
+    ServiceLog log;
+
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.isConnected())
+        return fail(QStringLiteral("no bus: %1").arg(bus.lastError().message()));
+    BusName name(bus, interface.name());
+    QObject::connect(&name, &BusName::lost, qApp, [&](const QString &reason) {
+        QCoreApplication::exit(fail(QStringLiteral("%1: %2").arg(interface.name(), reason)));
+    });
+
+    // The caller gets its answer first.
+    const auto restart = [&] {
+        QTimer::singleShot(0, &name, [&name] { name.leave(restartMilliseconds); });
+    };
+    const QString legacyFile =
+        options.stateFile.isEmpty() ? QString() : options.stateFile + QStringLiteral(".json");
+    Handlers handlers = geometryQueries(configuration);
+    handlers.insert(parameterQueries(configuration));
+    handlers.insert(serviceCommands({configuration, userSettings, log, legacyFile, restart}));
+    Service service(interface, configuration, userSettings, log, handlers);
+    bus.registerVirtualObject(QStringLiteral("/"), &service);
+
+    const QString reason = name.take();
+    if (!reason.isEmpty())
+        return fail(QStringLiteral("%1: %2").arg(interface.name(), reason));
+    std::printf("embosser-simulator: on the bus as %s\n", qPrintable(interface.name()));
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -42,44 +94,9 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("embosser-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
-
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Simulates the configuration service of a Braille embosser on the system bus, or on the\n"
-        "bus that DBUS_SYSTEM_BUS_ADDRESS names."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.process(application);
-    if (!parser.positionalArguments().isEmpty())
-        fail(QStringLiteral("unexpected argument \"%1\"; see --help")
-                 .arg(parser.positionalArguments().constFirst()));
-
-    const TerminationSignals signals_;
-    QObject::connect(&signals_, &TerminationSignals::received, &application,
-                     &QCoreApplication::quit);
-
-    const Interface interface(
-        resource(QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml")));
-    const Settings settings(interface);
     try {
-        Store store((QString()));
-        Configuration configuration(settings, store);
-        Service service(interface, configuration);
-
-        QDBusConnection bus = QDBusConnection::systemBus();
-        if (!bus.isConnected())
-            fail(QStringLiteral("no bus: %1").arg(bus.lastError().message()));
-        bus.registerVirtualObject(QStringLiteral("/"), &service);
-        BusName name(bus, interface.name());
-        const QString reason = name.take();
-        if (!reason.isEmpty())
-            fail(QStringLiteral("%1: %2").arg(interface.name(), reason));
-        QObject::connect(&name, &BusName::lost, fail);
-
-        std::printf("embosser-simulator: on the bus as %s\n", qPrintable(interface.name()));
-        std::fflush(stdout);
-        return QCoreApplication::exec();
-    } catch (const StoreError &error) {
-        fail(QString::fromUtf8(error.what()));
+        return run(optionsFrom(application));
+    } catch (const std::runtime_error &error) {
+        return fail(QString::fromUtf8(error.what()));
     }
 }

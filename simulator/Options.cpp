@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+
+#include "Options.h"
+
+#include "Profile.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+
+#include <cstdio>
+
+namespace simulator {
+
+namespace {
+
+const QString defaultModel = QStringLiteral("Kestan");
+
+QString fileOfModel(const QString &model)
+{
+    const QStringList models = Profile::builtInModels();
+    if (!models.contains(model))
+        throw UsageError(QStringLiteral("there is no model \"%1\"; there are: %2")
+                             .arg(model, models.join(QStringLiteral(", ")))
+                             .toStdString());
+    return Profile::fileOfBuiltIn(model);
+}
+
+} // namespace
+
+Options optionsFrom(const QCoreApplication &application)
+{
+    const QCommandLineOption model(
+        QStringLiteral("model"),
+        QStringLiteral("Simulate this model (default: %1).").arg(defaultModel),
+        QStringLiteral("name"), defaultModel);
+    const QCommandLineOption listModels(QStringLiteral("list-models"),
+                                        QStringLiteral("List the models and exit."));
+    const QCommandLineOption profile(QStringLiteral("profile"),
+                                     QStringLiteral("Simulate the model that a file describes."),
+                                     QStringLiteral("file"));
+    const QCommandLineOption state(
+        QStringLiteral("state"),
+        QStringLiteral("Keep the state in a file (default: in memory, lost at the end)."),
+        QStringLiteral("file"));
+    const QCommandLineOption usb(
+        QStringLiteral("usb"),
+        QStringLiteral("The directory that stands for the USB medium (default: none is there)."),
+        QStringLiteral("directory"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Simulates the configuration service of a Braille embosser on the system bus, or on the\n"
+        "bus that DBUS_SYSTEM_BUS_ADDRESS names."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({model, listModels, profile, state, usb});
+    parser.process(application);
+
+    if (!parser.positionalArguments().isEmpty())
+        throw UsageError(QStringLiteral("unexpected argument \"%1\"; see --help")
+                             .arg(parser.positionalArguments().constFirst())
+                             .toStdString());
+    if (parser.isSet(model) && parser.isSet(profile))
+        throw UsageError("--model and --profile exclude each other");
+    if (parser.isSet(listModels)) {
+        for (const QString &name : Profile::builtInModels())
+            std::puts(qPrintable(name));
+        std::exit(EXIT_SUCCESS);
+    }
+    return {parser.isSet(profile) ? parser.value(profile) : fileOfModel(parser.value(model)),
+            parser.value(state), parser.value(usb)};
+}
+
+} // namespace simulator

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_PARAMETERQUERIES_H
+#define SIMULATOR_PARAMETERQUERIES_H
+
+#include "Handlers.h"
+
+namespace simulator {
+
+class Configuration;
+
+/// What the service tells of its parameters, and the reading of them by name.
+Handlers parameterQueries(const Configuration &configuration);
+
+} // namespace simulator
+
+#endif

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_USERSETTINGS_H
+#define SIMULATOR_USERSETTINGS_H
+
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+
+namespace simulator {
+
+class Configuration;
+class Store;
+
+/// The settings that are the user's: saved in the device or on a medium, and loaded again.
+///
+/// A secret is not written to a medium, and stays as it is when one is loaded. Methods throw a
+/// Refusal when what they find cannot be used or written; nothing has changed then.
+class UserSettings
+{
+public:
+    /// `medium` is the folder that stands for the USB medium.
+    UserSettings(Configuration &configuration, Store &store, const QString &medium);
+
+    void save();
+
+    /// False if none have been saved.
+    bool load();
+
+    /// Has the value of a setting, if it is the user's, among those that load() brings back.
+    void remember(const QString &name, const QString &collection);
+
+    /// False if there is no medium.
+    bool saveToMedium() const;
+
+    /// False if there is no medium or none have been saved on it.
+    bool loadFromMedium();
+
+private:
+    enum class Secrets {
+        Included,
+        Excluded
+    };
+
+    bool concerns(const QString &name, Secrets secrets) const;
+    /// The values that have been set, by collection and name.
+    QJsonObject current(Secrets secrets) const;
+    void replaceCurrent(const QJsonObject &collections, Secrets secrets);
+    QJsonObject saved() const;
+    void setSaved(const QJsonObject &collections);
+    QString fileOnMedium() const;
+
+    Configuration &m_configuration;
+    Store &m_store;
+    const QString m_medium;
+};
+
+} // namespace simulator
+
+#endif
