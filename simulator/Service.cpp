@@ -13,6 +13,7 @@
 #include "Types.h"
 #include "UserSettings.h"
 
+#include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnection>
 
 namespace simulator {
@@ -32,6 +33,16 @@ const Method &checkedMethod(const Interface &interface, const QDBusMessage &mess
                 .arg(method->name, method->describeArguments(), method->signature(),
                      message.signature()));
     return *method;
+}
+
+/// Qt hands a map over as it came.
+QVariantList demarshalled(QVariantList arguments)
+{
+    for (QVariant &argument : arguments) {
+        if (argument.userType() == qMetaTypeId<QDBusArgument>())
+            argument = qdbus_cast<QVariantMap>(argument);
+    }
+    return arguments;
 }
 
 /// The name of the setting's value that a call is about.
@@ -93,7 +104,8 @@ QDBusMessage Service::answerTo(const QDBusMessage &message)
 {
     try {
         const Method &method = checkedMethod(m_interface, message);
-        const QVariant result = carryOut(Call(method, message.arguments()));
+        const QVariantList arguments = demarshalled(message.arguments());
+        const QVariant result = carryOut(Call(method, arguments));
         return result.isValid() ? message.createReply(result) : message.createReply();
     } catch (const Refusal &refusal) {
         return message.createErrorReply(refusal.name, refusal.message);

@@ -12,10 +12,13 @@ namespace {
 const int applicationId = 0x656d6273; // "embs"
 const int formatVersion = 1;
 
-[[noreturn]] void fail(const QString &what, const QSqlError &error)
+[[noreturn]] void fail(const QString &file, const QSqlError &error)
 {
-    throw StoreError(
-        QStringLiteral("%1: %2").arg(what, error.databaseText().trimmed()).toStdString());
+    const QString busy = QStringLiteral("5"); // SQLITE_BUSY
+    const QString reason = error.nativeErrorCode() == busy
+                               ? QStringLiteral("is in use by another process")
+                               : error.databaseText().trimmed();
+    throw StoreError(QStringLiteral("%1: %2").arg(file, reason).toStdString());
 }
 
 } // namespace
@@ -26,7 +29,7 @@ Store::Store(const QString &file)
 {
     m_database.setDatabaseName(file.isEmpty() ? QStringLiteral(":memory:") : file);
     if (!m_database.open())
-        fail(file, m_database.lastError());
+        fail(m_file, m_database.lastError());
     createOrCheckTables();
 }
 
@@ -40,36 +43,31 @@ Store::~Store()
 
 void Store::createOrCheckTables()
 {
-    try {
-        run(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
-        run(QStringLiteral("PRAGMA journal_mode = WAL"));
-        // An answered write outlives also a loss of power.
-        run(QStringLiteral("PRAGMA synchronous = FULL"));
-        run(QStringLiteral("BEGIN EXCLUSIVE"));
-        QSqlQuery id = run(QStringLiteral("PRAGMA application_id"));
-        QSqlQuery tables = run(QStringLiteral("SELECT count(*) FROM sqlite_master"));
-        id.next();
-        tables.next();
-        const bool isNew = tables.value(0).toInt() == 0;
-        if (!isNew && id.value(0).toInt() != applicationId)
-            throw StoreError("is a database of another program");
-        id.finish();
-        tables.finish();
-        if (isNew) {
-            run(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
-            run(QStringLiteral("PRAGMA user_version = %1").arg(formatVersion));
-            run(QStringLiteral("CREATE TABLE setting (scope TEXT NOT NULL, name TEXT NOT NULL, "
-                               "value NOT NULL, PRIMARY KEY (scope, name)) WITHOUT ROWID"));
-        }
-        QSqlQuery version = run(QStringLiteral("PRAGMA user_version"));
-        version.next();
-        if (version.value(0).toInt() != formatVersion)
-            throw StoreError("was written by another version of this program");
-        version.finish();
-        run(QStringLiteral("COMMIT"));
-    } catch (const StoreError &error) {
-        throw StoreError(m_file.toStdString() + ": " + error.what());
+    run(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+    const bool isNew = number(QStringLiteral("SELECT count(*) FROM sqlite_master")) == 0;
+    // Before anything is changed in a file that may be another program's.
+    if (!isNew && number(QStringLiteral("PRAGMA application_id")) != applicationId)
+        throw StoreError(m_file.toStdString() + ": is a database of another program");
+    if (!isNew && number(QStringLiteral("PRAGMA user_version")) != formatVersion)
+        throw StoreError(m_file.toStdString() + ": was written by another version of this program");
+    run(QStringLiteral("PRAGMA journal_mode = WAL"));
+    // An answered write outlives also a loss of power.
+    run(QStringLiteral("PRAGMA synchronous = FULL"));
+    run(QStringLiteral("BEGIN EXCLUSIVE"));
+    if (isNew) {
+        run(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
+        run(QStringLiteral("PRAGMA user_version = %1").arg(formatVersion));
+        run(QStringLiteral("CREATE TABLE setting (scope TEXT NOT NULL, name TEXT NOT NULL, "
+                           "value NOT NULL, PRIMARY KEY (scope, name)) WITHOUT ROWID"));
     }
+    run(QStringLiteral("COMMIT"));
+}
+
+int Store::number(const QString &sql) const
+{
+    QSqlQuery query = run(sql);
+    query.next();
+    return query.value(0).toInt();
 }
 
 QSqlQuery Store::run(const QString &sql, const QVariantList &values) const
@@ -77,11 +75,11 @@ QSqlQuery Store::run(const QString &sql, const QVariantList &values) const
     QSqlQuery query(m_database);
     query.setForwardOnly(true);
     if (!query.prepare(sql))
-        fail(QStringLiteral("SQLite"), query.lastError());
+        fail(m_file, query.lastError());
     for (const QVariant &value : values)
         query.addBindValue(value);
     if (!query.exec())
-        fail(QStringLiteral("SQLite"), query.lastError());
+        fail(m_file, query.lastError());
     return query;
 }
 
@@ -91,7 +89,7 @@ void Store::bindTo(const QString &model)
     const QString name = QStringLiteral("model");
     const QVariant stored = value(scope, name);
     if (stored.isValid() && stored != model)
-        throw StoreError(QStringLiteral("%1: is the state of a %2, not of a %3")
+        throw StoreError(QStringLiteral("%1: holds the state of the model %2, not %3")
                              .arg(m_file, stored.toString(), model)
                              .toStdString());
     setValue(scope, name, model);

@@ -64,6 +64,7 @@ public:
 
 private:
     QSqlQuery run(const QString &sql, const QVariantList &values = {}) const;
+    int number(const QString &sql) const;
     void createOrCheckTables();
 
     const QString m_file;

@@ -22,6 +22,7 @@
 #include <QtDBus/QDBusError>
 
 #include <cstdio>
+#include <sys/stat.h>
 
 using namespace simulator;
 
@@ -91,6 +92,8 @@ int run(const Options &options)
 
 int main(int argc, char *argv[])
 {
+    // What is kept in files may be secret.
+    umask(S_IRWXG | S_IRWXO);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("embosser-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
