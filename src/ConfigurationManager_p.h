@@ -8,8 +8,10 @@
 #include <QtCore/QMutex>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 
 class QDBusAbstractInterface;
+class QDBusMessage;
 
 namespace libtavelorn {
 class DBusService;
@@ -590,6 +592,7 @@ public Q_SLOTS:
 private:
     template<typename Result, typename... Arguments>
     Result call(const Operation &operation, const Arguments &...arguments) const;
+    QDBusMessage send(const Operation &operation, const QVariantList &arguments) const;
 
     ConfigurationManager *q;
     mutable QMutex mutex;
