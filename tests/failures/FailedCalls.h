@@ -10,6 +10,7 @@
 #include <QtCore/QMetaMethod>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 #include <QtCore/QVector>
 
 using Facade = libconfigurationmanager::detail::ConfigurationManager;
@@ -27,10 +28,12 @@ ExpectedLine notConnectedLine();
 /// The line of an operation whose call failed with an error of this message.
 ExpectedLine errorLine(const QString &message);
 
-/// Calls slots by name and tells what was not as a failure is to be, empty when all was: the
+/// Calls a slot by name and tells what was not as a failure is to be, empty when all was: the
 /// default is returned, and one critical line logged, in the context of the private method.
-///
-/// The methods are operations, each followed by its default-argument variants.
+QString deviation(Facade &facade, const QMetaMethod &slot, const QVariantList &arguments,
+                  const ExpectedLine &expected);
+
+/// The same for many slots, each with sample arguments.
 QString deviations(Facade &facade, const QVector<QMetaMethod> &methods,
                    const ExpectedLine &expected);
 
