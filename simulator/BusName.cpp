@@ -10,6 +10,9 @@ namespace simulator {
 BusName::BusName(const QDBusConnection &connection, const QString &name)
     : m_connection(connection), m_name(name)
 {
+    m_connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                         QStringLiteral("org.freedesktop.DBus.Local"),
+                         QStringLiteral("Disconnected"), this, SLOT(busLost()));
     m_absence.setSingleShot(true);
     connect(&m_absence, &QTimer::timeout, this, [this] {
         const QString reason = take();
@@ -25,23 +28,26 @@ QString BusName::take()
         m_name, QDBusConnectionInterface::DontQueueService,
         QDBusConnectionInterface::DontAllowReplacement);
     if (!reply.isValid())
-        return reply.error().message();
+        return QStringLiteral("%1: %2").arg(m_name, reply.error().message());
     if (reply.value() == QDBusConnectionInterface::ServiceRegistered)
         return {};
-    return QStringLiteral("another process owns the name (process %1)")
+    return QStringLiteral("%1: another process owns the name (process %2)")
+        .arg(m_name)
         .arg(m_connection.interface()->servicePid(m_name).value());
 }
 
 void BusName::leave(int milliseconds)
 {
-    leave();
-    m_absence.start(milliseconds);
+    m_connection.interface()->unregisterService(m_name);
+    if (milliseconds > 0)
+        m_absence.start(milliseconds);
+    else
+        m_absence.stop();
 }
 
-void BusName::leave()
+void BusName::busLost()
 {
-    m_absence.stop();
-    m_connection.interface()->unregisterService(m_name);
+    Q_EMIT lost(QStringLiteral("the bus is gone"));
 }
 
 } // namespace simulator

@@ -20,15 +20,15 @@ public:
     /// Returns why it could not be taken; nothing if it is owned now.
     QString take();
 
-    /// Gives the name up and takes it again after a while.
+    /// Gives the name up and takes it again after a while; at 0, when take() is called.
     void leave(int milliseconds);
 
-    /// Gives the name up until take() is called.
-    void leave();
-
 Q_SIGNALS:
-    /// The name could not be taken again.
+    /// The name could not be taken again, or the bus is gone.
     void lost(const QString &reason);
+
+private Q_SLOTS:
+    void busLost();
 
 private:
     QDBusConnection m_connection;

@@ -2,6 +2,7 @@
 
 #include "Options.h"
 
+#include "Faults.h"
 #include "Profile.h"
 
 #include <QtCore/QCommandLineParser>
@@ -46,6 +47,12 @@ Options optionsFrom(const QCoreApplication &application)
         QStringLiteral("usb"),
         QStringLiteral("The directory that stands for the USB medium (default: none is there)."),
         QStringLiteral("directory"));
+    const QCommandLineOption fault(
+        QStringLiteral("fault"),
+        QStringLiteral("Let the next calls of a method, or of any (*), meet a fault; may be "
+                       "repeated. The faults are:\n") +
+            Faults::kinds(),
+        QStringLiteral("fault:method[:calls[:detail]]"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
@@ -53,7 +60,7 @@ Options optionsFrom(const QCoreApplication &application)
         "bus that DBUS_SYSTEM_BUS_ADDRESS names."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({model, listModels, profile, state, usb});
+    parser.addOptions({model, listModels, profile, state, usb, fault});
     parser.process(application);
 
     if (!parser.positionalArguments().isEmpty())
@@ -68,7 +75,7 @@ Options optionsFrom(const QCoreApplication &application)
         std::exit(EXIT_SUCCESS);
     }
     return {parser.isSet(profile) ? parser.value(profile) : fileOfModel(parser.value(model)),
-            parser.value(state), parser.value(usb)};
+            parser.value(state), parser.value(usb), parser.values(fault)};
 }
 
 } // namespace simulator

@@ -4,6 +4,7 @@
 #define SIMULATOR_OPTIONS_H
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <stdexcept>
 
@@ -24,6 +25,7 @@ struct Options
     QString profileFile;
     QString stateFile;    ///< empty: in memory
     QString usbDirectory; ///< empty: no medium
+    QStringList faults;   ///< as Faults::inject() takes them
 };
 
 /// Reads the application's command line. Answers --help, --version and --list-models itself, and

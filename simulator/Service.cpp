@@ -4,6 +4,7 @@
 
 #include "Call.h"
 #include "Configuration.h"
+#include "Faults.h"
 #include "Interface.h"
 #include "Profile.h"
 #include "Refusal.h"
@@ -13,8 +14,12 @@
 #include "Types.h"
 #include "UserSettings.h"
 
+#include <QtCore/QTimer>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnection>
+
+#include <csignal>
+#include <optional>
 
 namespace simulator {
 
@@ -45,6 +50,21 @@ QVariantList demarshalled(QVariantList arguments)
     return arguments;
 }
 
+void send(const QDBusMessage &answer, const QDBusMessage &message,
+          const QDBusConnection &connection)
+{
+    if (message.isReplyRequired())
+        connection.send(answer);
+}
+
+QDBusMessage ofWrongType(const QDBusMessage &answer, const QDBusMessage &message)
+{
+    const QVariant result = answer.arguments().value(0);
+    return message.createReply(result.userType() == QMetaType::QString
+                                   ? QVariant(0)
+                                   : QVariant(QStringLiteral("of a wrong type")));
+}
+
 /// The name of the setting's value that a call is about.
 QString nameOf(const Setting &setting, const Call &call)
 {
@@ -66,11 +86,13 @@ QVariant converted(const QVariant &value, const QString &dbusType)
 } // namespace
 
 Service::Service(const Interface &interface, Configuration &configuration,
-                 UserSettings &userSettings, ServiceLog &log, const Handlers &handlers)
+                 UserSettings &userSettings, ServiceLog &log, Faults &faults,
+                 const Handlers &handlers)
     : m_interface(interface),
       m_configuration(configuration),
       m_userSettings(userSettings),
       m_log(log),
+      m_faults(faults),
       m_handlers(handlers)
 {
     QStringList others;
@@ -93,25 +115,59 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     // D-Bus allows a call that does not say which interface it means.
     if (!message.interface().isEmpty() && message.interface() != m_interface.name())
         return false;
-    const QDBusMessage answer = answerTo(message);
-    m_log.add(message.member(), answer.errorName());
-    if (message.isReplyRequired())
-        connection.send(answer);
+    if (const std::optional<Fault> fault = m_faults.next(message.member()))
+        answerFaultily(*fault, message, connection);
+    else
+        send(answerTo(message), message, connection);
     return true;
+}
+
+void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
+                             const QDBusConnection &connection)
+{
+    switch (fault.kind) {
+    case Fault::Kind::Error:
+        send(message.createErrorReply(
+                 QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
+                 fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail),
+             message, connection);
+        break;
+    case Fault::Kind::WrongType:
+        send(ofWrongType(answerTo(message), message), message, connection);
+        break;
+    case Fault::Kind::Delay:
+        QTimer::singleShot(fault.milliseconds(), this,
+                           [answer = answerTo(message), message, connection] {
+                               send(answer, message, connection);
+                           });
+        break;
+    case Fault::Kind::NoAnswer:
+        break;
+    case Fault::Kind::Crash:
+        std::raise(SIGKILL);
+        break;
+    case Fault::Kind::DropName:
+        Q_EMIT leaveRequested(fault.milliseconds());
+        send(answerTo(message), message, connection);
+        break;
+    }
 }
 
 QDBusMessage Service::answerTo(const QDBusMessage &message)
 {
+    QDBusMessage answer;
     try {
         const Method &method = checkedMethod(m_interface, message);
         const QVariantList arguments = demarshalled(message.arguments());
         const QVariant result = carryOut(Call(method, arguments));
-        return result.isValid() ? message.createReply(result) : message.createReply();
+        answer = result.isValid() ? message.createReply(result) : message.createReply();
     } catch (const Refusal &refusal) {
-        return message.createErrorReply(refusal.name, refusal.message);
+        answer = message.createErrorReply(refusal.name, refusal.message);
     } catch (const StoreError &error) {
-        return message.createErrorReply(QDBusError::Failed, QString::fromUtf8(error.what()));
+        answer = message.createErrorReply(QDBusError::Failed, QString::fromUtf8(error.what()));
     }
+    m_log.add(message.member(), answer.errorName());
+    return answer;
 }
 
 QVariant Service::carryOut(const Call &call)

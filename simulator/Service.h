@@ -12,9 +12,11 @@ namespace simulator {
 
 class Call;
 class Configuration;
+class Faults;
 class Interface;
 class ServiceLog;
 class UserSettings;
+struct Fault;
 
 /// Answers the calls of the configuration service's methods.
 class Service : public QDBusVirtualObject
@@ -24,12 +26,18 @@ public:
     /// `handlers` are of the methods that neither read or write one setting nor have their answer
     /// in the profile. Throws JsonError if that leaves a method without an answer.
     Service(const Interface &interface, Configuration &configuration, UserSettings &userSettings,
-            ServiceLog &log, const Handlers &handlers);
+            ServiceLog &log, Faults &faults, const Handlers &handlers);
 
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
+Q_SIGNALS:
+    /// A fault has the service leave the bus, for good if it does not say how long.
+    void leaveRequested(int milliseconds);
+
 private:
+    void answerFaultily(const Fault &fault, const QDBusMessage &message,
+                        const QDBusConnection &connection);
     QDBusMessage answerTo(const QDBusMessage &message);
     QVariant carryOut(const Call &call);
 
@@ -37,6 +45,7 @@ private:
     Configuration &m_configuration;
     UserSettings &m_userSettings;
     ServiceLog &m_log;
+    Faults &m_faults;
     const Handlers m_handlers;
 };
 

@@ -2,11 +2,14 @@
 
 #include "BusName.h"
 #include "Configuration.h"
+#include "Control.h"
+#include "Faults.h"
 #include "GeometryQueries.h"
 #include "Interface.h"
 #include "Options.h"
 #include "ParameterQueries.h"
 #include "Profile.h"
+#include "Refusal.h"
 #include "Service.h"
 #include "ServiceCommands.h"
 #include "ServiceLog.h"
@@ -59,14 +62,17 @@ int run(const Options &options)
     Configuration configuration(settings, profile, store);
     UserSettings userSettings(configuration, store, options.usbDirectory);
     ServiceLog log;
+    Faults faults(interface);
+    for (const QString &fault : options.faults)
+        faults.inject(fault);
 
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.isConnected())
         return fail(QStringLiteral("no bus: %1").arg(bus.lastError().message()));
     BusName name(bus, interface.name());
-    QObject::connect(&name, &BusName::lost, qApp, [&](const QString &reason) {
-        QCoreApplication::exit(fail(QStringLiteral("%1: %2").arg(interface.name(), reason)));
-    });
+    BusName controlName(bus, Control::busName());
+    QObject::connect(&name, &BusName::lost, qApp,
+                     [](const QString &reason) { QCoreApplication::exit(fail(reason)); });
 
     // The caller gets its answer first.
     const auto restart = [&] {
@@ -77,12 +83,18 @@ int run(const Options &options)
     Handlers handlers = geometryQueries(configuration);
     handlers.insert(parameterQueries(configuration));
     handlers.insert(serviceCommands({configuration, userSettings, log, legacyFile, restart}));
-    Service service(interface, configuration, userSettings, log, handlers);
+    Service service(interface, configuration, userSettings, log, faults, handlers);
+    QObject::connect(&service, &Service::leaveRequested, &name, &BusName::leave);
+    Control control(faults, log);
+    QObject::connect(&control, &Control::returnRequested, &name, &BusName::take);
     bus.registerVirtualObject(QStringLiteral("/"), &service);
+    bus.registerObject(Control::path(), &control);
 
-    const QString reason = name.take();
-    if (!reason.isEmpty())
-        return fail(QStringLiteral("%1: %2").arg(interface.name(), reason));
+    for (BusName *each : {&name, &controlName}) {
+        const QString reason = each->take();
+        if (!reason.isEmpty())
+            return fail(reason);
+    }
     std::printf("embosser-simulator: on the bus as %s\n", qPrintable(interface.name()));
     std::fflush(stdout);
     return QCoreApplication::exec();
@@ -99,6 +111,8 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
     try {
         return run(optionsFrom(application));
+    } catch (const Refusal &refusal) {
+        return fail(QStringLiteral("--fault: ") + refusal.message);
     } catch (const std::runtime_error &error) {
         return fail(QString::fromUtf8(error.what()));
     }
