@@ -80,6 +80,9 @@ QString problemOf(const QVariant &value, int depth)
 QString marshallingProblem(const QVariantList &arguments)
 {
     for (const QVariant &argument : arguments) {
+        // The other parameters have types that can always be sent.
+        if (argument.userType() != QMetaType::QVariantMap)
+            continue;
         const QString problem = problemOf(argument, 0);
         if (!problem.isEmpty())
             return problem;
