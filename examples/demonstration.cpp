@@ -68,7 +68,7 @@ void printValueList(ConfigurationManager &manager, lcm::RowValueList row)
     const lcm::PropList choices = manager.getValueList(static_cast<int>(row));
     if (choices.isEmpty())
         return;
-    const int width = 16;
+    const int width = 18;
     QString titles;
     for (const QString &key : choices.at(0).keys())
         titles += key.leftJustified(width);
