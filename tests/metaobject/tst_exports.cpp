@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#include <QtCore/QProcess>
+#include "ChildProcess.h"
+
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
 #include <QtTest/QTest>
@@ -22,10 +23,10 @@ class TestExports : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QProcess nm;
-        nm.start(QStringLiteral("nm"),
-                 {QStringLiteral("--dynamic"), QStringLiteral("--demangle"),
-                  QStringLiteral("--defined-only"), QStringLiteral(LIBRARY_FILE)});
+        ChildProcess nm(QStringLiteral("nm"),
+                        {QStringLiteral("--dynamic"), QStringLiteral("--demangle"),
+                         QStringLiteral("--defined-only"), QStringLiteral(LIBRARY_FILE)});
+        nm.start();
         QVERIFY2(nm.waitForFinished(), qPrintable(nm.errorString()));
         QCOMPARE(nm.exitCode(), 0);
         const QString lines = QString::fromUtf8(nm.readAllStandardOutput());

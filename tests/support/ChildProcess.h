@@ -8,6 +8,9 @@
 #include <QtCore/QStringList>
 
 /// A process that a test starts, and that never outlives the test.
+///
+/// Take it for every program: Qt starts a plain QProcess by a system call that the emulator of
+/// another machine may lack, and then takes every process of the user for that program.
 class ChildProcess : public QProcess
 {
     Q_OBJECT
