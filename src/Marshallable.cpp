@@ -28,21 +28,21 @@ template<typename List>
 QString problemInList(const List &list, int depth)
 {
     for (const auto &element : list) {
-        const QString problem = problemOf(QVariant(element), depth + listDepth);
+        QString problem = problemOf(QVariant(element), depth + listDepth);
         if (!problem.isEmpty())
             return problem;
     }
-    return QString();
+    return {};
 }
 
 QString problemInMap(const QAssociativeIterable &map, int depth)
 {
     for (auto entry = map.begin(); entry != map.end(); ++entry) {
-        const QString problem = problemOf(entry.value(), depth + mapDepth);
+        QString problem = problemOf(entry.value(), depth + mapDepth);
         if (!problem.isEmpty())
             return entry.key().toString() + QStringLiteral(": ") + problem;
     }
-    return QString();
+    return {};
 }
 
 QString problemOf(const QVariant &value, int depth)
@@ -72,7 +72,7 @@ QString problemOf(const QVariant &value, int depth)
         return problemInList(value.value<QSequentialIterable>(), depth);
     if (value.canConvert<QPair<QVariant, QVariant>>())
         return problemOf(value.value<QPair<QVariant, QVariant>>().second, depth);
-    return QString();
+    return {};
 }
 
 } // namespace
@@ -83,11 +83,11 @@ QString marshallingProblem(const QVariantList &arguments)
         // The other parameters have types that can always be sent.
         if (argument.userType() != QMetaType::QVariantMap)
             continue;
-        const QString problem = problemOf(argument, 0);
+        QString problem = problemOf(argument, 0);
         if (!problem.isEmpty())
             return problem;
     }
-    return QString();
+    return {};
 }
 
 } // namespace detail

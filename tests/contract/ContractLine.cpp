@@ -34,7 +34,7 @@ struct WireColumns
 
 QVariant argumentOf(const ObservedCall &call, int position)
 {
-    const QVariant argument = call.arrived.constFirst().arguments.value(position);
+    QVariant argument = call.arrived.constFirst().arguments.value(position);
     if (argument.userType() == qMetaTypeId<QDBusArgument>())
         return qdbus_cast<QVariantMap>(argument);
     return argument;

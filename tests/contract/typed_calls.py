@@ -22,20 +22,26 @@ FRAME = """\
 // One line an operation:
 // clang-format off
 
+namespace {{
+
+constexpr Declaration allDeclarations[] = {{
+{declarations}
+}};
+
+constexpr TypedCall allTypedCalls[] = {{
+{calls}
+}};
+
+}} // namespace
+
 QVector<Declaration> declarations()
 {{
-    static constexpr Declaration all[] = {{
-{declarations}
-    }};
-    return QVector<Declaration>(std::begin(all), std::end(all));
+    return {{std::begin(allDeclarations), std::end(allDeclarations)}};
 }}
 
 QVector<TypedCall> typedCalls()
 {{
-    static constexpr TypedCall all[] = {{
-{calls}
-    }};
-    return QVector<TypedCall>(std::begin(all), std::end(all));
+    return {{std::begin(allTypedCalls), std::end(allTypedCalls)}};
 }}
 """
 
@@ -62,7 +68,7 @@ def declaration(operation):
     in_facade, in_private = (f"{operation.result}({types}){' const' if const else ''}"
                              for const in (operation.facade_const, operation.private_const))
     name, signature = operation.name, slot(operation.name, operation.parameters)
-    return (f'        declared<{in_facade}, {in_private}>("{signature}", '
+    return (f'    declared<{in_facade}, {in_private}>("{signature}", '
             f"&Facade::{name}, &Private::{name}),")
 
 
@@ -80,7 +86,7 @@ def call(operation, parameters):
     body = (f"{expression}; return QVariant();" if operation.result == "void"
             else f"return plain({expression});")
     samples = "In in" if parameters else "In"
-    return f'        {{"{slot(operation.name, parameters)}", [](Facade &f, {samples}) {{ {body} }}}},'
+    return f'    {{"{slot(operation.name, parameters)}", [](Facade &f, {samples}) {{ {body} }}}},'
 
 
 def slot(name, parameters):

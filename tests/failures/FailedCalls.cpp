@@ -85,7 +85,7 @@ QString deviation(Facade &facade, const QMetaMethod &slot, const QVariantList &a
         return QStringLiteral("logs for the function ") + line.function;
     if (line.file != QStringLiteral("src/ConfigurationManager_p.cpp") || line.line <= 0)
         return QStringLiteral("logs for %1:%2").arg(line.file).arg(line.line);
-    return QString();
+    return {};
 }
 
 QString deviations(Facade &facade, const QVector<QMetaMethod> &methods,

@@ -12,7 +12,7 @@ QVariant sampleValue(const QByteArray &typeName, int number)
     const QString text = QStringLiteral("sample %1").arg(number);
     const QVariantMap map{{QStringLiteral("number"), number}, {QStringLiteral("text"), text}};
     if (typeName == "void")
-        return QVariant();
+        return {};
     if (typeName == "bool")
         return number % 2 == 0;
     if (typeName == "double")

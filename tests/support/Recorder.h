@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_SUPPORT_RECORDER_H
+#define TESTS_SUPPORT_RECORDER_H
+
+#include "Recording.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QVector>
+#include <QtDBus/QDBusVirtualObject>
+
+/// Every object of the recording service, and the object by which the test controls it.
+class Recorder : public QDBusVirtualObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "tests.RecordingService")
+public:
+    QString introspect(const QString &path) const override;
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+
+public Q_SLOTS:
+    void setAnswer(const QString &member, const Answer &answer);
+    QVector<RecordedCall> takeCalls();
+    int mostCallsInFlight() const;
+
+private:
+    void give(const Answer &answer, const QDBusMessage &call, const QDBusConnection &connection);
+
+    QVector<RecordedCall> m_calls;
+    QHash<QString, Answer> m_answers;
+    int m_inFlight = 0;
+    int m_mostInFlight = 0;
+};
+
+#endif
