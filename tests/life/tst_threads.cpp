@@ -7,9 +7,9 @@
 
 #include <QtTest/QTest>
 
+#include <array>
 #include <chrono>
 #include <future>
-#include <vector>
 
 using libconfigurationmanager::detail::ConfigurationManager;
 
@@ -54,14 +54,14 @@ private Q_SLOTS:
         late.delayInMilliseconds = 1;
         m_service.setAnswer(late);
 
-        std::vector<std::future<int>> threads;
+        std::array<std::future<int>, threadCount> threads;
         for (int thread = 0; thread < threadCount; ++thread) {
-            threads.push_back(std::async(std::launch::async, [this, thread] {
+            threads[thread] = std::async(std::launch::async, [this, thread] {
                 int answered = 0;
                 for (int call = 0; call < callCount; ++call)
                     answered += m_manager.setIntValue(QString::number(thread), call);
                 return answered;
-            }));
+            });
         }
         for (std::future<int> &thread : threads)
             QCOMPARE(thread.get(), callCount);

@@ -37,22 +37,23 @@ private Q_SLOTS:
     void whatTheHeadersPromiseIsThere_data()
     {
         QTest::addColumn<QString>("symbol");
-        for (const char *symbol : {
-                 "libconfigurationmanager::detail::ConfigurationManager::"
-                 "ConfigurationManager(QObject*)",
-                 "libconfigurationmanager::detail::ConfigurationManager::~ConfigurationManager()",
-                 "libconfigurationmanager::detail::ConfigurationManager::staticMetaObject",
-                 "libconfigurationmanager::detail::ConfigurationManager::isConnected() const",
-                 "libconfigurationmanager::detail::ConfigurationManager::connected()",
-                 "libconfigurationmanager::detail::ConfigurationManager::clearLog() const",
-                 "vtable for libconfigurationmanager::detail::ConfigurationManager",
-                 "lcm::EnumDetail::~EnumDetail()",
-                 "lcm::EnumDetail::staticMetaObject",
-                 "vtable for lcm::EnumDetail",
-                 "lcm::operator<<(QDBusArgument&, lcm::PropList const&)",
-                 "lcm::operator>>(QDBusArgument const&, lcm::PropList&)",
+        const QString facade =
+            QStringLiteral("libconfigurationmanager::detail::ConfigurationManager");
+        for (const QString &symbol : {
+                 facade + QStringLiteral("::ConfigurationManager(QObject*)"),
+                 facade + QStringLiteral("::~ConfigurationManager()"),
+                 facade + QStringLiteral("::staticMetaObject"),
+                 facade + QStringLiteral("::isConnected() const"),
+                 facade + QStringLiteral("::connected()"),
+                 facade + QStringLiteral("::clearLog() const"),
+                 QStringLiteral("vtable for ") + facade,
+                 QStringLiteral("lcm::EnumDetail::~EnumDetail()"),
+                 QStringLiteral("lcm::EnumDetail::staticMetaObject"),
+                 QStringLiteral("vtable for lcm::EnumDetail"),
+                 QStringLiteral("lcm::operator<<(QDBusArgument&, lcm::PropList const&)"),
+                 QStringLiteral("lcm::operator>>(QDBusArgument const&, lcm::PropList&)"),
              })
-            QTest::newRow(symbol) << QString::fromLatin1(symbol);
+            QTest::newRow(qPrintable(symbol)) << symbol;
     }
 
     void whatTheHeadersPromiseIsThere()
