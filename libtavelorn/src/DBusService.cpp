@@ -34,17 +34,27 @@ DBusServicePrivate::DBusServicePrivate(const QDBusConnection &bus, const QString
       q(service),
       watcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange)
 {
-    connect(
-        &watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-        [this](const QString &, const QString &, const QString &newOwner) { setOwner(newOwner); });
+    connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &oldOwner) {
+                // Also when the same owner is back already, it has left.
+                if (oldOwner == owner)
+                    setOwner(QString());
+                askForOwner();
+            });
     connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                        QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
                        this, SLOT(busLost()));
 
     // Asked after subscribing, so that no change falls between the two.
-    if (const QDBusConnectionInterface *busInterface = connection.interface())
-        owner = busInterface->serviceOwner(serviceName).value();
-    present = !owner.isEmpty();
+    askForOwner();
+}
+
+// Asked after each signal too: when the event loop starts, Qt delivers the signals that it has held
+// back until then after the first new ones, so that the owner named in the last one may be outdated.
+void DBusServicePrivate::askForOwner()
+{
+    const QDBusConnectionInterface *bus = connection.interface();
+    setOwner(bus ? bus->serviceOwner(serviceName).value() : QString());
 }
 
 void DBusServicePrivate::busLost()

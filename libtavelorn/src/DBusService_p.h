@@ -28,6 +28,7 @@ private Q_SLOTS:
     void busLost();
 
 private:
+    void askForOwner();
     void setOwner(const QString &newOwner);
 
     DBusService *const q;
