@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+
+#include "Simulator.h"
+
+#include <QtTest/QTest>
+
+#include <csignal>
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void itTellsWhatItIs()
+    {
+        const Ended help = runSimulator({QStringLiteral("--help")});
+        QCOMPARE(help.exitCode, 0);
+        for (const char *option : {"--model", "--list-models", "--profile", "--state", "--usb",
+                                   "--fault", "DBUS_SYSTEM_BUS_ADDRESS"})
+            QVERIFY2(help.output.contains(QLatin1String(option)), option);
+        const Ended version = runSimulator({QStringLiteral("--version")});
+        QCOMPARE(version.exitCode, 0);
+        QCOMPARE(version.output,
+                 QStringLiteral("embosser-simulator %1\n").arg(QStringLiteral(PROJECT_VERSION)));
+    }
+
+    void itListsItsModels()
+    {
+        const Ended ended = runSimulator({QStringLiteral("--list-models")});
+        QCOMPARE(ended.exitCode, 0);
+        QCOMPARE(ended.output,
+                 QStringLiteral("Arvo\nArvo_V5\nDovrik\nDovrik_V5\nFeyra\nHalvik\nKestan\n"
+                                "Kestan_V5\nMarren\nMarrenPlus\nQuillon\nTolvek\nTolvek_V5\n"));
+    }
+
+    void itSaysWhatItCannotDo_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("said");
+        const auto row = [](const char *name, const QStringList &arguments, const char *said) {
+            QTest::newRow(name) << arguments << QString::fromLatin1(said);
+        };
+        row("unknown option", {QStringLiteral("--modle")}, "Unknown option 'modle'.");
+        row("unexpected argument", {QStringLiteral("Arvo")}, "unexpected argument \"Arvo\"");
+        row("unknown model", {QStringLiteral("--model"), QStringLiteral("Avro")},
+            "there is no model \"Avro\"; there are: Arvo, Arvo_V5, ");
+        row("the base of all models", {QStringLiteral("--model"), QStringLiteral("Embosser")},
+            "there is no model \"Embosser\"");
+        row("model and profile",
+            {QStringLiteral("--model=Arvo"), QStringLiteral("--profile=/dev/null")},
+            "--model and --profile exclude each other");
+        row("no such profile", {QStringLiteral("--profile=/nonexistent.json")},
+            "/nonexistent.json: No such file or directory");
+        row("state in no folder", {QStringLiteral("--state=/nonexistent/state")},
+            "/nonexistent/state: unable to open database file");
+        row("unknown fault", {QStringLiteral("--fault=slow:getModel")},
+            "--fault: there is no fault \"slow\"; there are: error, ");
+        row("fault of an unknown method", {QStringLiteral("--fault=error:getModle")},
+            "--fault: the service has no method getModle");
+        row("fault without its detail", {QStringLiteral("--fault=delay:getModel")},
+            "--fault: delay takes a number of milliseconds");
+        row("fault for no number of calls", {QStringLiteral("--fault=error:getModel:few")},
+            "--fault: \"few\" is no number of calls");
+    }
+
+    void itSaysWhatItCannotDo()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, said);
+        const Ended ended = runSimulator(arguments);
+        QCOMPARE(ended.exitCode, 1);
+        QVERIFY2(ended.errors.contains(said), qPrintable(ended.errors));
+        QCOMPARE(ended.output, QString());
+    }
+
+    void itSaysWhenItIsReady()
+    {
+        ChildProcess process(simulatorProgram(), {});
+        QCOMPARE(process.startAndReadLine(),
+                 QStringLiteral("embosser-simulator: on the bus as ") + Simulator::serviceName());
+    }
+
+    void twoCannotOwnTheName()
+    {
+        Simulator first(m_bus);
+        first.start();
+        const Ended second = runSimulator({});
+        QCOMPARE(second.exitCode, 1);
+        QCOMPARE(second.errors,
+                 QStringLiteral("embosser-simulator: %1: another process owns the name (process "
+                                "%2)\n")
+                     .arg(Simulator::serviceName())
+                     .arg(first.process().processId()));
+        QCOMPARE(first.value(QStringLiteral("getType")).toInt(), 3);
+    }
+
+    void itEndsCleanlyWhenAsked_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("SIGTERM") << SIGTERM;
+        QTest::newRow("SIGINT") << SIGINT;
+    }
+
+    void itEndsCleanlyWhenAsked()
+    {
+        QFETCH(int, number);
+        ChildProcess process(simulatorProgram(), {});
+        process.setProcessChannelMode(QProcess::SeparateChannels);
+        process.startAndReadLine();
+        ::kill(pid_t(process.processId()), number);
+        const Ended ended = waitForEnd(process);
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(ended.exitCode, 0);
+        QCOMPARE(ended.output + ended.errors, QString());
+    }
+
+    // The last ones: afterwards there is no bus.
+    void itEndsWhenTheBusDoes()
+    {
+        ChildProcess process(simulatorProgram(), {});
+        process.setProcessChannelMode(QProcess::SeparateChannels);
+        process.startAndReadLine();
+        m_bus.kill();
+        const Ended ended = waitForEnd(process);
+        QCOMPARE(ended.exitCode, 1);
+        QCOMPARE(ended.errors, QStringLiteral("embosser-simulator: the bus is gone\n"));
+    }
+
+    void itSaysThatThereIsNoBus()
+    {
+        const Ended ended = runSimulator({});
+        QCOMPARE(ended.exitCode, 1);
+        QVERIFY2(ended.errors.startsWith(QLatin1String("embosser-simulator: no bus: ")),
+                 qPrintable(ended.errors));
+    }
+
+private:
+    PrivateBus m_bus;
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "tst_commandline.moc"

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+
+#include "Simulator.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QXmlStreamReader>
+#include <QtTest/QTest>
+
+class TestDispatch : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QFile file(QStringLiteral(INTROSPECTION_XML));
+        QVERIFY(file.open(QFile::ReadOnly));
+        m_xml = QString::fromUtf8(file.readAll());
+        m_simulator.start();
+    }
+
+    void itDescribesItselfAsTheXmlDoes()
+    {
+        const QString begin =
+            QStringLiteral("<interface name=\"%1\">").arg(Simulator::serviceName());
+        const QString end = QStringLiteral("</interface>");
+        const QString expected = m_xml.mid(m_xml.indexOf(begin)).section(end, 0, 0);
+        const QString introspection = introspect(QStringLiteral("/"));
+        QCOMPARE(introspection.mid(introspection.indexOf(begin)).section(end, 0, 0), expected);
+        QCOMPARE(expected.count(QStringLiteral("<method ")), 517);
+    }
+
+    void itsControlIsFoundByIntrospection()
+    {
+        QString path = QStringLiteral("/");
+        for (const QString &node :
+             QString(QStringLiteral("com/tavelornbraille/Simulator")).split('/')) {
+            QVERIFY(introspect(path).contains(QStringLiteral("<node name=\"%1\"/>").arg(node)));
+            path += (path == QLatin1String("/") ? QString() : QStringLiteral("/")) + node;
+        }
+        const QString control = introspect(path);
+        QVERIFY(control.contains(QLatin1String("com.tavelornbraille.Simulator.Faults")));
+        QVERIFY(control.contains(QLatin1String("com.tavelornbraille.Simulator.Log")));
+    }
+
+    void everyMethodRefusesAWrongSignature()
+    {
+        QXmlStreamReader reader(m_xml);
+        QString method;
+        int methods = 0;
+        while (!reader.atEnd()) {
+            reader.readNext();
+            if (reader.name() != QLatin1String("method") || !reader.isStartElement())
+                continue;
+            method = reader.attributes().value(QLatin1String("name")).toString();
+            ++methods;
+            // No method takes a byte.
+            const QDBusMessage reply = m_simulator.call(method, {QVariant::fromValue(uchar(1))});
+            QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
+            QVERIFY2(reply.errorMessage().startsWith(method + QLatin1String(" takes (")),
+                     qPrintable(reply.errorMessage()));
+        }
+        QCOMPARE(methods, 517);
+    }
+
+    void aWrongSignatureIsAnsweredWithTheRightOne()
+    {
+        QCOMPARE(m_simulator.error(QStringLiteral("setBaudrate"), {QStringLiteral("9600")}),
+                 QStringLiteral("setBaudrate takes (i value, s collectionId, b flag), of signature "
+                                "\"isb\"; it was called with \"s\""));
+    }
+
+    void anUnknownMethodIsAnError()
+    {
+        const QDBusMessage reply = m_simulator.call(QStringLiteral("getModle"));
+        QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
+        QVERIFY(reply.errorMessage().contains(QLatin1String("getModle")));
+    }
+
+    void anotherInterfaceIsAnError()
+    {
+        const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(
+            Simulator::serviceName(), QStringLiteral("/"), QStringLiteral("org.example.Other"),
+            QStringLiteral("getType")));
+        QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
+    }
+
+    void theInterfaceNeedNotBeSaid()
+    {
+        const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(
+            Simulator::serviceName(), QStringLiteral("/"), QString(), QStringLiteral("getType")));
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(reply.arguments().value(0).toInt(), 3);
+    }
+
+    void aCallThatWantsNoAnswerIsCarriedOut()
+    {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
+                                           Simulator::serviceName(), QStringLiteral("setTabSize"));
+        message << 7;
+        QVERIFY(m_simulator.connection().send(message));
+        QTRY_COMPARE(m_simulator.value(QStringLiteral("getTabSize")).toInt(), 7);
+    }
+
+    void aRestartLeavesTheBusAndComesBack()
+    {
+        QCOMPARE(m_simulator.error(QStringLiteral("setTabSize"), {5}), QString());
+        QCOMPARE(m_simulator.error(QStringLiteral("restartServicesAfterReset")), QString());
+        QTRY_COMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+                     QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
+        QTRY_COMPARE(m_simulator.call(QStringLiteral("getTabSize")).type(),
+                     QDBusMessage::ReplyMessage);
+        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")).toInt(), 5);
+    }
+
+    void theLogIsOffUntilItIsSwitchedOn()
+    {
+        const auto lines = [this] {
+            return m_simulator.control(QStringLiteral("Log"), QStringLiteral("Lines"))
+                .toStringList();
+        };
+        const auto isEnabled = [this] {
+            return m_simulator.control(QStringLiteral("Log"), QStringLiteral("IsEnabled")).toBool();
+        };
+        const QString secret = QStringLiteral("not for a log");
+        QVERIFY(!isEnabled());
+        QCOMPARE(lines(), QStringList());
+        m_simulator.call(QStringLiteral("setLogger"), {true});
+        QVERIFY(isEnabled());
+        m_simulator.call(QStringLiteral("setPassphrase"), {secret, secret});
+        m_simulator.call(QStringLiteral("getBaudrate"));
+        QCOMPARE(lines().size(), 3);
+        QVERIFY(lines().at(0).endsWith(QLatin1String(" setLogger ok")));
+        QVERIFY(lines().at(1).endsWith(QLatin1String(" setPassphrase ok")));
+        QVERIFY(lines().at(2).endsWith(
+            QLatin1String(" getBaudrate org.freedesktop.DBus.Error.InvalidArgs")));
+        QVERIFY(!lines().join(QString()).contains(secret));
+        m_simulator.call(QStringLiteral("setLogger"), {false});
+        m_simulator.call(QStringLiteral("getType"));
+        QCOMPARE(lines().size(), 3);
+        QCOMPARE(m_simulator.value(QStringLiteral("clearLog")), QVariant(true));
+        QCOMPARE(lines(), QStringList());
+    }
+
+private:
+    QString introspect(const QString &path) const
+    {
+        const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(
+            Simulator::serviceName(), path, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+            QStringLiteral("Introspect")));
+        return reply.arguments().value(0).toString();
+    }
+
+    PrivateBus m_bus;
+    Simulator m_simulator{m_bus};
+    QString m_xml;
+};
+
+QTEST_GUILESS_MAIN(TestDispatch)
+#include "tst_dispatch.moc"

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+
+#include "Simulator.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QRandomGenerator>
+#include <QtTest/QTest>
+
+#include <sys/stat.h>
+
+class TestDurability : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_state = m_directory->filePath(QStringLiteral("state"));
+    }
+
+    void theStateIsKept()
+    {
+        start();
+        set("setSsid", {QStringLiteral("net"), QStringLiteral("one")});
+        set("setTopOfForm", {12.345678901234567, m_master, false});
+        set("setUseAdjustableLinespacing", {true, m_master, false});
+        set("setFileCRC", {4294967295.0, m_master});
+        set("setTabSize", {7});
+        m_simulator.process().terminateAndWait();
+        start();
+        QCOMPARE(value("getSsid", {QStringLiteral("one")}), QVariant("net"));
+        QCOMPARE(value("getTopOfForm", {m_master}), QVariant(12.345678901234567));
+        QCOMPARE(value("getUseAdjustableLinespacing", {m_master}), QVariant(true));
+        QCOMPARE(value("getFileCRC", {m_master}), QVariant(-1));
+        QCOMPARE(value("getTabSize"), QVariant(7));
+        QCOMPARE(value("duplicateCatalog", {QStringLiteral("one"), QStringLiteral("two")}),
+                 QVariant(true));
+    }
+
+    void withoutAFileNothingIsKept()
+    {
+        m_simulator.start();
+        set("setTabSize", {7});
+        m_simulator.start();
+        QCOMPARE(value("getTabSize"), QVariant(4));
+    }
+
+    void theFileIsTheOwnersAlone()
+    {
+        start();
+        struct stat status;
+        QCOMPARE(::stat(qPrintable(m_state), &status), 0);
+        QCOMPARE(int(status.st_mode & (S_IRWXG | S_IRWXO)), 0);
+    }
+
+    void noAnsweredWriteIsLostWhenTheServiceIsKilled()
+    {
+        const int writes = 1000;
+        const int spread = 120; // writes between two kills, at most
+        auto *random = QRandomGenerator::global();
+        int answered = 0;
+        int kills = 0;
+        start();
+        while (answered < writes) {
+            // In the middle of calls: some of those that are on their way are answered, some not.
+            QVector<QDBusPendingCall> calls;
+            const int count = random->bounded(2, spread);
+            for (int i = 1; i <= count; ++i)
+                calls << write(answered + i);
+            calls[random->bounded(count)].waitForFinished();
+            m_simulator.process().killAndWait();
+            ++kills;
+            int confirmed = answered;
+            for (QDBusPendingCall &call : calls) {
+                call.waitForFinished();
+                if (!call.isError())
+                    ++confirmed;
+            }
+            start();
+            // What was carried out but not answered may be there or not.
+            const int kept = value("getCounter", {1, m_master}).toInt();
+            QVERIFY2(kept >= confirmed, qPrintable(QStringLiteral("%1 of %2 writes after %3 kills")
+                                                       .arg(kept)
+                                                       .arg(confirmed)
+                                                       .arg(kills)));
+            QVERIFY(kept <= answered + count);
+            answered = kept;
+        }
+        qInfo("%d writes, killed %d times", answered, kills);
+        QVERIFY(kills >= writes / spread);
+    }
+
+    void aFileThatIsInUseIsRefused()
+    {
+        start();
+        expectRefusal({QStringLiteral("--state"), m_state}, "is in use by another process");
+    }
+
+    void aFileOfAnotherModelIsRefused()
+    {
+        start();
+        m_simulator.process().terminateAndWait();
+        expectRefusal(
+            {QStringLiteral("--state"), m_state, QStringLiteral("--model"), QStringLiteral("Arvo")},
+            "holds the state of the model Kestan, not Arvo");
+    }
+
+    void aFileOfAnotherProgramIsRefusedAndLeftAsItIs()
+    {
+        QFile file(m_state);
+        QVERIFY(file.open(QFile::ReadWrite));
+        file.write("Not a database, but somebody's text.");
+        file.close();
+        expectRefusal({QStringLiteral("--state"), m_state}, "file is not a database");
+        QVERIFY(file.open(QFile::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("Not a database, but somebody's text."));
+    }
+
+private:
+    void start() { m_simulator.start({QStringLiteral("--state"), m_state}); }
+
+    void expectRefusal(const QStringList &arguments, const char *reason) const
+    {
+        const Ended ended = runSimulator(arguments);
+        QCOMPARE(ended.exitCode, 1);
+        QCOMPARE(ended.errors, QStringLiteral("embosser-simulator: %1: %2\n")
+                                   .arg(m_state, QString::fromLatin1(reason)));
+    }
+
+    QDBusPendingCall write(int number) const
+    {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
+                                           Simulator::serviceName(), QStringLiteral("setCounter"));
+        message << number << 1 << m_master;
+        return m_simulator.connection().asyncCall(message);
+    }
+
+    void set(const char *method, const QVariantList &arguments) const
+    {
+        QCOMPARE(m_simulator.error(QString::fromLatin1(method), arguments), QString());
+    }
+
+    QVariant value(const char *method, const QVariantList &arguments = {}) const
+    {
+        return m_simulator.value(QString::fromLatin1(method), arguments);
+    }
+
+    const QString m_master = Simulator::masterCollection();
+    PrivateBus m_bus;
+    Simulator m_simulator{m_bus};
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_state;
+};
+
+QTEST_GUILESS_MAIN(TestDurability)
+#include "tst_durability.moc"

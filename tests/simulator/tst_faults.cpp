@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+
+#include "Simulator.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+#include <csignal>
+
+class TestFaults : public QObject
+{
+    Q_OBJECT
+
+Q_SIGNALS:
+    void happened(const QString &kind, const QString &method);
+
+private Q_SLOTS:
+    void init() { m_simulator.start(); }
+
+    void theNextCallsFail()
+    {
+        inject("error", "getTabSize", 2, "out of paper");
+        for (int i = 0; i < 2; ++i) {
+            const QDBusMessage reply = m_simulator.call(QStringLiteral("getTabSize"));
+            QCOMPARE(reply.errorName(),
+                     QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"));
+            QCOMPARE(reply.errorMessage(), QStringLiteral("out of paper"));
+            QCOMPARE(error("getType"), QString());
+        }
+        QCOMPARE(error("getTabSize"), QString());
+    }
+
+    void aCallThatFailsIsNotCarriedOut()
+    {
+        inject("error", "setTabSize", 1);
+        QVERIFY(!m_simulator.error(QStringLiteral("setTabSize"), {7}).isEmpty());
+        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
+    }
+
+    void theNextCallsOfAnyMethodFail()
+    {
+        inject("error", "*", 2);
+        QVERIFY(!error("getTabSize").isEmpty());
+        QVERIFY(!error("getType").isEmpty());
+        QCOMPARE(error("getType"), QString());
+    }
+
+    void callsFailUntilThatIsCleared()
+    {
+        inject("error", "getType", 0);
+        for (int i = 0; i < 5; ++i)
+            QVERIFY(!error("getType").isEmpty());
+        control("Clear");
+        QCOMPARE(error("getType"), QString());
+    }
+
+    void theAnswerIsOfAnotherType_data()
+    {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QString>("right");
+        const QString master = Simulator::masterCollection();
+        QTest::newRow("int") << "getTabSize" << QVariantList() << "i";
+        QTest::newRow("text") << "getModel" << QVariantList{master} << "s";
+        QTest::newRow("double") << "getMaxWidth" << QVariantList() << "d";
+        QTest::newRow("bool") << "isArvo" << QVariantList() << "b";
+        QTest::newRow("map") << "embosserInfoCmd" << QVariantList() << "a{sv}";
+        QTest::newRow("list") << "getValueList" << QVariantList{2} << "aa{sv}";
+    }
+
+    void theAnswerIsOfAnotherType()
+    {
+        QFETCH(QString, method);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QString, right);
+        QCOMPARE(m_simulator.call(method, arguments).signature(), right);
+        inject("wrong-type", qPrintable(method), 1);
+        const QDBusMessage reply = m_simulator.call(method, arguments);
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QVERIFY(reply.signature() != right);
+    }
+
+    void theAnswerComesLate()
+    {
+        inject("delay", "getTabSize", 1, "300");
+        QElapsedTimer timer;
+        timer.start();
+        const QDBusPendingCall late =
+            m_simulator.connection().asyncCall(message(QStringLiteral("getTabSize")));
+        // The service answers others meanwhile.
+        QCOMPARE(error("getType"), QString());
+        QVERIFY(!late.isFinished());
+        QDBusPendingReply<int> reply = late;
+        reply.waitForFinished();
+        QVERIFY(timer.elapsed() >= 300);
+        QCOMPARE(reply.value(), 4);
+    }
+
+    void theAnswerNeverComes()
+    {
+        inject("no-answer", "setTabSize", 1);
+        QDBusMessage set = message(QStringLiteral("setTabSize"));
+        set << 7;
+        const QDBusMessage reply = m_simulator.connection().call(set, QDBus::Block, 200);
+        QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.NoReply"));
+        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
+    }
+
+    void theServiceCrashes()
+    {
+        inject("crash", "getTabSize", 1);
+        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).type(), QDBusMessage::ErrorMessage);
+        QVERIFY(m_simulator.process().waitForFinished());
+        QCOMPARE(m_simulator.process().exitStatus(), QProcess::CrashExit);
+    }
+
+    void theServiceLeavesTheBusForAWhile()
+    {
+        inject("drop-name", "getTabSize", 1, "200");
+        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
+        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+                 QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
+        QTRY_COMPARE(error("getTabSize"), QString());
+    }
+
+    void theServiceLeavesTheBusUntilItIsToldToReturn()
+    {
+        inject("drop-name", "getTabSize", 1, "0");
+        QCOMPARE(error("getTabSize"), QString());
+        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+                 QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
+        QCOMPARE(control("History").toList().size(), 1);
+        control("Return");
+        QCOMPARE(error("getTabSize"), QString());
+    }
+
+    void everythingCanBeReadBack()
+    {
+        QVERIFY(m_simulator.connection().connect(
+            QStringLiteral("com.tavelornbraille.Simulator"),
+            QStringLiteral("/com/tavelornbraille/Simulator"),
+            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Happened"),
+            this, SIGNAL(happened(QString, QString))));
+        QSignalSpy told(this, &TestFaults::happened);
+        inject("error", "getType", 3, "no");
+        inject("delay", "*", 0, "1");
+        const QVariantMap delay{{QStringLiteral("kind"), QStringLiteral("delay")},
+                                {QStringLiteral("method"), QStringLiteral("*")},
+                                {QStringLiteral("calls"), 0U},
+                                {QStringLiteral("detail"), QStringLiteral("1")}};
+        const QVariantMap failure{{QStringLiteral("kind"), QStringLiteral("error")},
+                                  {QStringLiteral("method"), QStringLiteral("getType")},
+                                  {QStringLiteral("calls"), 3U},
+                                  {QStringLiteral("detail"), QStringLiteral("no")}};
+        QCOMPARE(control("Pending").toList(), QVariantList({failure, delay}));
+        error("getType");
+        error("getTabSize");
+        QVariantMap less = failure;
+        less.insert(QStringLiteral("calls"), 2U);
+        QCOMPARE(control("Pending").toList(), QVariantList({less, delay}));
+        const QVariantMap first{{QStringLiteral("kind"), QStringLiteral("error")},
+                                {QStringLiteral("method"), QStringLiteral("getType")}};
+        const QVariantMap second{{QStringLiteral("kind"), QStringLiteral("delay")},
+                                 {QStringLiteral("method"), QStringLiteral("getTabSize")}};
+        QCOMPARE(control("History").toList(), QVariantList({first, second}));
+        QTRY_COMPARE(told.size(), 2);
+        QCOMPARE(told.at(0), QVariantList({QStringLiteral("error"), QStringLiteral("getType")}));
+        control("Clear");
+        QCOMPARE(control("Pending").toList(), QVariantList());
+        QCOMPARE(control("History").toList(), QVariantList());
+    }
+
+    void theCommandLineInjectsTheSame()
+    {
+        m_simulator.start({QStringLiteral("--fault"), QStringLiteral("error:getType:2:a: b"),
+                           QStringLiteral("--fault"), QStringLiteral("wrong-type:getTabSize")});
+        QCOMPARE(error("getType"), QStringLiteral("a: b"));
+        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).signature(), QStringLiteral("s"));
+        QCOMPARE(error("getType"), QStringLiteral("a: b"));
+        QCOMPARE(control("Pending").toList(), QVariantList());
+        QCOMPARE(control("History").toList().size(), 3);
+    }
+
+    void aFaultThatCannotBeIsRefused_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QString>("detail");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("kind") << "slow"
+                              << "getType"
+                              << ""
+                              << "there is no fault \"slow\"";
+        QTest::newRow("method") << "error"
+                                << "getTyp"
+                                << ""
+                                << "the service has no method getTyp";
+        QTest::newRow("no detail") << "delay"
+                                   << "getType"
+                                   << ""
+                                   << "delay takes a number of milliseconds";
+        QTest::newRow("negative detail") << "delay"
+                                         << "getType"
+                                         << "-1"
+                                         << "delay takes a number of milliseconds";
+        QTest::newRow("detail") << "crash"
+                                << "getType"
+                                << "now"
+                                << "crash takes no detail";
+    }
+
+    void aFaultThatCannotBeIsRefused()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, method);
+        QFETCH(QString, detail);
+        QFETCH(QString, said);
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            Simulator::serviceName(), QStringLiteral("/com/tavelornbraille/Simulator"),
+            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Inject"));
+        call << kind << method << 1U << detail;
+        const QDBusMessage reply = m_simulator.connection().call(call);
+        QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
+        QVERIFY2(reply.errorMessage().contains(said), qPrintable(reply.errorMessage()));
+        QCOMPARE(control("Pending").toList(), QVariantList());
+    }
+
+private:
+    static QDBusMessage message(const QString &method)
+    {
+        return QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
+                                              Simulator::serviceName(), method);
+    }
+
+    QVariant control(const char *method, const QVariantList &arguments = {}) const
+    {
+        return m_simulator.control(QStringLiteral("Faults"), QString::fromLatin1(method),
+                                   arguments);
+    }
+
+    void inject(const char *kind, const char *method, uint calls, const char *detail = "") const
+    {
+        control("Inject", {QString::fromLatin1(kind), QString::fromLatin1(method), calls,
+                           QString::fromLatin1(detail)});
+    }
+
+    QString error(const char *method) const
+    {
+        return m_simulator.error(QString::fromLatin1(method));
+    }
+
+    PrivateBus m_bus;
+    Simulator m_simulator{m_bus};
+};
+
+QTEST_GUILESS_MAIN(TestFaults)
+#include "tst_faults.moc"

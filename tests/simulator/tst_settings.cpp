@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+
+#include "Simulator.h"
+
+#include <QtTest/QTest>
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_simulator.start(); }
+
+    void aCollectionHasValuesOfItsOwn()
+    {
+        QCOMPARE(error("setLetterFont", {3, QStringLiteral("one"), false}), QString());
+        QCOMPARE(value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
+        QCOMPARE(value("getLetterFont", {QStringLiteral("other")}), QVariant(0));
+        QCOMPARE(value("getLetterFont", {QString()}), QVariant(0));
+        QCOMPARE(error("setLetterFont", {4, QString(), false}), QString());
+        QCOMPARE(value("getLetterFont", {QString()}), QVariant(4));
+        QCOMPARE(value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
+    }
+
+    void whatIsReadWithoutCollectionIsOfTheDevice()
+    {
+        const QString path = QStringLiteral("/tables");
+        QCOMPARE(error("setTablePath", {path, QStringLiteral("any"), false}), QString());
+        QCOMPARE(value("getTablePath"), QVariant(path));
+        QCOMPARE(error("setReleaseLevel", {5, QStringLiteral("other"), false}), QString());
+        QCOMPARE(value("getReleaseLevel"), QVariant(5));
+        QCOMPARE(error("setKeepFormat", {true}), QString());
+        QCOMPARE(value("getKeepFormat"), QVariant(true));
+    }
+
+    void aSettingOfAnotherRemoteNameHasTheNameOfItsOperation()
+    {
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(error("setStepLength", QVariantList{7} + master), QString());
+        QCOMPARE(value("getStepLength", master), QVariant(7));
+        QCOMPARE(value("getIntValue", QVariantList{QStringLiteral("PaperStepLength")} + master),
+                 QVariant(7));
+        QVERIFY(
+            !error("getIntValue", QVariantList{QStringLiteral("StepLength")} + master).isEmpty());
+        QCOMPARE(error("setPrintHeadOffset", QVariantList{1.5} + master), QString());
+        QCOMPARE(value("getPrintHeadOffset", master), QVariant(1.5));
+    }
+
+    void whatIsSetAsDoubleIsReadAsInt_data()
+    {
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<double>("set");
+        QTest::addColumn<int>("read");
+        QTest::newRow("size") << "FileSize" << 1234.0 << 1234;
+        QTest::newRow("largest size") << "FileSize" << 2147483647.0 << 2147483647;
+        QTest::newRow("checksum") << "FileCRC" << 4711.0 << 4711;
+        QTest::newRow("checksum with the sign bit") << "FileCRC" << 4023233417.0 << -271733879;
+        QTest::newRow("largest checksum") << "FileCRC" << 4294967295.0 << -1;
+    }
+
+    void whatIsSetAsDoubleIsReadAsInt()
+    {
+        QFETCH(QString, setting);
+        QFETCH(double, set);
+        QFETCH(int, read);
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(m_simulator.error(QStringLiteral("set") + setting, QVariantList{set} + master),
+                 QString());
+        QCOMPARE(m_simulator.value(QStringLiteral("get") + setting, master), QVariant(read));
+    }
+
+    void aValueThatCannotBeIsRefused_data()
+    {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QString>("said");
+        const QString c = Simulator::masterCollection();
+        QTest::newRow("above") << "setOddHighPulseTime" << QVariantList{1501, c, false}
+                               << "OddHighPulseTime: 1501 is not between 100 and 1500 us";
+        QTest::newRow("below") << "setAlignLow" << QVariantList{-101, c, false}
+                               << "AlignLow: -101 is not between -100 and 100";
+        QTest::newRow("double") << "setTopOfForm" << QVariantList{100.01, c, false}
+                                << "TopOfForm: 100.01 is not between 0 and 100 mm";
+        QTest::newRow("not a number") << "setTopOfForm" << QVariantList{qQNaN(), c, false}
+                                      << "TopOfForm: nan is not between 0 and 100 mm";
+        QTest::newRow("infinite") << "setTopOfForm" << QVariantList{qInf(), c, false}
+                                  << "TopOfForm: inf is not between 0 and 100 mm";
+        QTest::newRow("no whole number")
+            << "setFileSize" << QVariantList{1.5, c} << "FileSize: 1.5 is no whole number";
+        QTest::newRow("negative size") << "setFileSize" << QVariantList{-1.0, c}
+                                       << "FileSize: -1 is not between 0 and 2147483647 bytes";
+        QTest::newRow("number of no list")
+            << "setTabSize" << QVariantList{9} << "TabSize: 9 is none of: 1, 2, 3, 4, 5, 6, 7, 8";
+        QTest::newRow("text of no list")
+            << "setParity" << QVariantList{QStringLiteral("odd"), c, false}
+            << "Parity: odd is none of: None, Even, Odd";
+        QTest::newRow("too long") << "setSsid" << QVariantList{QString(33, QLatin1Char('x')), c}
+                                  << " is longer than 32 bytes";
+        QTest::newRow("too long in bytes")
+            << "setSsid" << QVariantList{QString(17, QChar(0xe9)), c} << " is longer than 32 bytes";
+        QTest::newRow("key") << "setReleaseTime"
+                             << QVariantList{QStringLiteral("Opne"), 1, c, false}
+                             << "there is no setting \"ReleaseTime/Opne\"; the keys are: Close, "
+                                "Open, Tray";
+        QTest::newRow("value of a key")
+            << "setReleaseTime" << QVariantList{QStringLiteral("Open"), 501, c, false}
+            << "ReleaseTime/Open: 501 is not between 0 and 500 ms";
+        QTest::newRow("counter") << "setCounter" << QVariantList{1, 9, c}
+                                 << "there is no setting \"Counter/9\"";
+        QTest::newRow("by name") << "setIntValue"
+                                 << QVariantList{QStringLiteral("AlignLow"), 101, c, false}
+                                 << "AlignLow: 101 is not between -100 and 100";
+        QTest::newRow("by a delta")
+            << "setIntDeltaValue"
+            << QVariantList{QStringLiteral("OddLowPulseTime"), 2147483647, c, false}
+            << "OddLowPulseTime: takes a value of D-Bus type i";
+        QTest::newRow("by the name of a text")
+            << "setIntValue" << QVariantList{QStringLiteral("Model"), 1, c, false}
+            << "Model is no integer, but of D-Bus type s";
+    }
+
+    void aValueThatCannotBeIsRefused()
+    {
+        QFETCH(QString, method);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QString, said);
+        const QString message = m_simulator.error(method, arguments);
+        QVERIFY2(message.contains(said), qPrintable(message));
+    }
+
+    void theBoundsThemselvesAreAccepted()
+    {
+        const QString master = Simulator::masterCollection();
+        const QString name = QStringLiteral("OddHighPulseTime");
+        for (const char *bound : {"getMinValue", "getMaxValue"}) {
+            const int number = value(bound, {name}).toInt();
+            QCOMPARE(error("setOddHighPulseTime", {number, master, false}), QString());
+            QCOMPARE(value("getOddHighPulseTime", {master}), QVariant(number));
+        }
+    }
+
+    void aSecretIsInNoMessage()
+    {
+        const QString secret(70, QLatin1Char('s'));
+        const QString master = Simulator::masterCollection();
+        QCOMPARE(error("setPassphrase", {secret, master}),
+                 QStringLiteral("Passphrase: the value is longer than 63 bytes"));
+        const QString shortSecret = QStringLiteral("open sesame");
+        QCOMPARE(error("setPassphrase", {shortSecret, master}), QString());
+        QCOMPARE(value("getPassphrase", {master}), QVariant(shortSecret));
+        QCOMPARE(value("getValueSentence", {QStringLiteral("Passphrase")}),
+                 QVariant("The passphrase of the wireless network: set"));
+        const QDBusMessage report = m_simulator.call(QStringLiteral("currentConfigurationCmd"));
+        QCOMPARE(report.signature(), QStringLiteral("a(sa{sv})"));
+        const auto parts =
+            qdbus_cast<QList<QPair<QString, QVariantMap>>>(report.arguments().constFirst());
+        QVERIFY(parts.size() > 5);
+        for (const auto &part : parts)
+            QVERIFY(!part.second.contains(QStringLiteral("Passphrase")));
+    }
+
+    void settingsAreReadAndWrittenByName()
+    {
+        const QString c = QStringLiteral("by name");
+        const QString name = QStringLiteral("OddLowPulseTime");
+        const int initial = value("getOddLowPulseTime", {c}).toInt();
+        QCOMPARE(value("getIntDeltaValue", {name, c}), QVariant(0));
+        QCOMPARE(value("setIntDeltaValue", {name, 10, c, false}), QVariant(true));
+        QCOMPARE(value("getOddLowPulseTime", {c}), QVariant(initial + 10));
+        QCOMPARE(value("getIntDeltaValue", {name, c}), QVariant(10));
+        QCOMPARE(value("setIntValue", {name, 700, c, false}), QVariant(true));
+        QCOMPARE(value("getIntValue", {name, c}), QVariant(700));
+        QCOMPARE(value("getParamIntValue", {name, c}), QVariant(700));
+        QCOMPARE(value("getParamFloatValue", {name, c}), QVariant(700.0));
+        QCOMPARE(error("setTopOfForm", {12.6, c, false}), QString());
+        QCOMPARE(value("getParamFloatValue", {QStringLiteral("TopOfForm"), c}), QVariant(12.6));
+        QCOMPARE(value("getParamIntValue", {QStringLiteral("TopOfForm"), c}), QVariant(13));
+        QCOMPARE(value("getPrecision", {QStringLiteral("TopOfForm")}), QVariant(2));
+        QVERIFY(!error("getParamFloatValue", {QStringLiteral("Model"), c}).isEmpty());
+        QVERIFY(!error("getMinValue", {QStringLiteral("Model")}).isEmpty());
+        QVERIFY(!error("getIntValue", {QStringLiteral("TopOfForm"), c}).isEmpty());
+    }
+
+    void keyedSettingsAreKeptPerKey()
+    {
+        const QString c = Simulator::masterCollection();
+        QCOMPARE(value("setReleaseTime", {QStringLiteral("Open"), 77, c, false}), QVariant(true));
+        QCOMPARE(value("getReleaseTime", {QStringLiteral("Open"), c}), QVariant(77));
+        QCOMPARE(value("getReleaseTime", {QStringLiteral("Close"), c}), QVariant(15));
+        QCOMPARE(value("setSensorState", {QStringLiteral("CoverOpen"), true, c, false}),
+                 QVariant(true));
+        QCOMPARE(value("getSensorState", {QStringLiteral("CoverOpen"), c}), QVariant(true));
+        QCOMPARE(value("getSensorState", {QStringLiteral("PaperOut"), c}), QVariant(false));
+        QCOMPARE(error("setCounter", {5, 2, c}), QString());
+        QCOMPARE(value("getCounter", {2, c}), QVariant(5));
+        QCOMPARE(value("getCounter", {1, c}), QVariant(0));
+    }
+
+    void aSequenceIsAppliedWhole()
+    {
+        const QVariantMap sequence{{QStringLiteral("TabSize"), 8},
+                                   {QStringLiteral("Ssid"), QStringLiteral("net")},
+                                   {QStringLiteral("PaperWidth"), 150.0},
+                                   {QStringLiteral("PaperSize"), QStringLiteral("A4")},
+                                   {QStringLiteral("KeepFormat"), true},
+                                   {QStringLiteral("TopOfForm"), 5}};
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(value("processSequence", {sequence}), QVariant(true));
+        QCOMPARE(value("getTabSize"), QVariant(8));
+        QCOMPARE(value("getSsid", master), QVariant("net"));
+        QCOMPARE(value("getPaperSize", master), QVariant("A4"));
+        QCOMPARE(value("getPaperWidth", master), QVariant(150.0));
+        QCOMPARE(value("getKeepFormat"), QVariant(true));
+        QCOMPARE(value("getTopOfForm", master), QVariant(5.0));
+        QCOMPARE(value("processSequence", {QVariantMap()}), QVariant(true));
+    }
+
+    void aSequenceIsAppliedNotAtAll_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("unknown") << "Zebra" << QVariant(1) << "there is no setting \"Zebra\"";
+        QTest::newRow("out of bounds") << "TabSize" << QVariant(99) << "TabSize: 99 is none of";
+        QTest::newRow("of another type")
+            << "TabSize" << QVariant("8") << "TabSize: takes a value of D-Bus type i";
+        QTest::newRow("no whole number")
+            << "TabSize" << QVariant(2.5) << "TabSize: takes a value of D-Bus type i";
+        QTest::newRow("a list") << "TabSize" << QVariant(QStringList(QStringLiteral("8")))
+                                << "TabSize: takes a value of D-Bus type i";
+    }
+
+    void aSequenceIsAppliedNotAtAll()
+    {
+        QFETCH(QString, name);
+        QFETCH(QVariant, value);
+        QFETCH(QString, said);
+        // One before and one after it, in the order of names.
+        const QVariantMap sequence{
+            {QStringLiteral("AlignLow"), 5}, {name, value}, {QStringLiteral("ZZ"), 1}};
+        QVariantMap valid = sequence;
+        valid.remove(QStringLiteral("ZZ"));
+        const QString message = error("processSequence", {valid});
+        QVERIFY2(message.contains(said), qPrintable(message));
+        QVERIFY(!error("processSequence", {sequence}).isEmpty());
+        QCOMPARE(this->value("getAlignLow", {Simulator::masterCollection()}), QVariant(0));
+    }
+
+    void aCollectionIsDuplicatedAndRemoved()
+    {
+        const QString one = QStringLiteral("one");
+        const QString two = QStringLiteral("two");
+        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(false)); // there is none
+        QCOMPARE(error("setLetterFont", {3, one, false}), QString());
+        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(true));
+        QCOMPARE(value("getLetterFont", {two}), QVariant(3));
+        QCOMPARE(error("setLetterFont", {4, two, false}), QString());
+        QCOMPARE(value("getLetterFont", {one}), QVariant(3));
+        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(false)); // there is one
+        QCOMPARE(value("getLetterFont", {two}), QVariant(4));
+        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(true));
+        QCOMPARE(value("getLetterFont", {two}), QVariant(0));
+        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(false));
+        QCOMPARE(value("removeCatalogsCollection", {QString()}), QVariant(false));
+        QCOMPARE(value("removeCatalogsCollection", {Simulator::masterCollection()}),
+                 QVariant(false));
+        QCOMPARE(value("duplicateCatalog", {Simulator::masterCollection(), two}), QVariant(true));
+        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(true));
+    }
+
+    void thePageCounterCountsWhatSeveralClientsAdd()
+    {
+        const int clients = 4;
+        const int each = 50;
+        QVector<QDBusPendingCall> calls;
+        for (int client = 0; client < clients; ++client) {
+            const QDBusConnection connection =
+                m_bus.connect(QStringLiteral("client %1").arg(client));
+            for (int i = 0; i < each; ++i) {
+                QDBusMessage message = QDBusMessage::createMethodCall(
+                    Simulator::serviceName(), QStringLiteral("/"), Simulator::serviceName(),
+                    QStringLiteral("incrementPageCounter"));
+                message << Simulator::masterCollection();
+                calls << connection.asyncCall(message);
+            }
+        }
+        for (QDBusPendingCall &call : calls) {
+            call.waitForFinished();
+            QVERIFY(!call.isError());
+        }
+        QCOMPARE(value("getCounter", {1, Simulator::masterCollection()}), QVariant(clients * each));
+    }
+
+    void aCounterThatIsFullIsAnError()
+    {
+        const QString master = Simulator::masterCollection();
+        const int most = std::numeric_limits<int>::max();
+        QCOMPARE(error("setCounter", {most, 1, master}), QString());
+        QVERIFY(!error("incrementPageCounter", {master}).isEmpty());
+        QCOMPARE(value("getCounter", {1, master}), QVariant(most));
+    }
+
+    void theServiceDescribesItsParameters()
+    {
+        const QVariantMap map =
+            value("getTableMetadata", {QStringLiteral("settings"), QStringLiteral("TopOfForm")})
+                .toMap();
+        QCOMPARE(map.value(QStringLiteral("type")), QVariant("d"));
+        QCOMPARE(map.value(QStringLiteral("min")), QVariant(0.0));
+        QCOMPARE(map.value(QStringLiteral("max")), QVariant(100.0));
+        QCOMPARE(map.value(QStringLiteral("default")), QVariant(12.7));
+        QCOMPARE(map.value(QStringLiteral("unit")), QVariant("mm"));
+        QCOMPARE(map.value(QStringLiteral("meaning")).toString().left(11),
+                 QStringLiteral("the top of "));
+        QCOMPARE(value("getTableMetadata", {QStringLiteral("papers"), QStringLiteral("A4")})
+                     .toMap()
+                     .value(QStringLiteral("width")),
+                 QVariant(210.0));
+        QCOMPARE(error("getTableMetadata", {QStringLiteral("no"), QString()}),
+                 QStringLiteral("there is no table \"no\"; there are: papers, settings"));
+        QCOMPARE(value("getProposition", {QStringLiteral("Baudrate")}),
+                 QVariant("The baud rate of the serial line"));
+        QCOMPARE(value("getValueSentence", {QStringLiteral("Baudrate")}),
+                 QVariant("The baud rate of the serial line: 9600"));
+        QCOMPARE(value("returnDocSettingKey", {QStringLiteral("PageNumber"), 1}), QVariant("Top"));
+        QVERIFY(!error("returnDocSettingKey", {QStringLiteral("PageNumber"), 3}).isEmpty());
+        const QVariantMap limits = value("getVolumeFineAdjustmentLimits").toMap();
+        QCOMPARE(error("setVolumeFineAdjustment",
+                       {limits.value(QStringLiteral("max")), QString(), false}),
+                 QString());
+        QVERIFY(!error("setVolumeFineAdjustment",
+                       {limits.value(QStringLiteral("max")).toInt() + 1, QString(), false})
+                     .isEmpty());
+    }
+
+    void theHammerBatchStringHasWhatWasSet()
+    {
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(error("setHammerBatchParameters", QVariantList{1234} + master), QString());
+        QVERIFY(value("buildHammerBatchString")
+                    .toString()
+                    .contains(QLatin1String("HammerBatchParameters=1234")));
+    }
+
+private:
+    QVariant value(const char *method, const QVariantList &arguments = {}) const
+    {
+        return m_simulator.value(QString::fromLatin1(method), arguments);
+    }
+
+    QString error(const char *method, const QVariantList &arguments = {}) const
+    {
+        return m_simulator.error(QString::fromLatin1(method), arguments);
+    }
+
+    PrivateBus m_bus;
+    Simulator m_simulator{m_bus};
+};
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_settings.moc"
