@@ -1,0 +1,38 @@
+# SPDX-License-Identifier: MIT
+"""dbus_broker.py SOCKET CONFIGURATION: becomes a system bus of dbus-broker, without systemd.
+
+Runs in a mount name space of its own: the launcher insists on a journal, and gets one that is only
+read away.
+"""
+
+import os
+import socket
+import subprocess
+import sys
+
+JOURNAL = "/run/systemd/journal/socket"
+
+
+def main(path, configuration):
+    subprocess.run(["mount", "-t", "tmpfs", "tmpfs", "/run/systemd"], check=True)
+    os.mkdir(os.path.dirname(JOURNAL))
+    journal = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+    journal.bind(JOURNAL)
+    if os.fork() == 0:
+        while True:
+            journal.recv(1 << 20)
+
+    bus = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+    bus.bind(path)
+    os.chmod(path, 0o777)
+    bus.listen()
+    # As systemd hands a socket over: from the third descriptor on.
+    os.dup2(bus.fileno(), 3)
+    environment = dict(os.environ, LISTEN_FDS="1", LISTEN_PID=str(os.getpid()),
+                       DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={path}")
+    print(f"unix:path={path}", flush=True)
+    os.execvpe("dbus-broker-launch", ["dbus-broker-launch", "--scope", "system",
+                                      "--config-file", configuration], environment)
+
+
+main(*sys.argv[1:])
