@@ -14,11 +14,7 @@ BusName::BusName(const QDBusConnection &connection, const QString &name)
                          QStringLiteral("org.freedesktop.DBus.Local"),
                          QStringLiteral("Disconnected"), this, SLOT(busLost()));
     m_absence.setSingleShot(true);
-    connect(&m_absence, &QTimer::timeout, this, [this] {
-        const QString reason = take();
-        if (!reason.isEmpty())
-            Q_EMIT lost(reason);
-    });
+    connect(&m_absence, &QTimer::timeout, this, &BusName::takeAgain);
 }
 
 QString BusName::take()
@@ -34,6 +30,13 @@ QString BusName::take()
     return QStringLiteral("%1: another process owns the name (process %2)")
         .arg(m_name)
         .arg(m_connection.interface()->servicePid(m_name).value());
+}
+
+void BusName::takeAgain()
+{
+    const QString reason = take();
+    if (!reason.isEmpty())
+        Q_EMIT lost(reason);
 }
 
 void BusName::leave(int milliseconds)

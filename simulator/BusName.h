@@ -20,7 +20,10 @@ public:
     /// Returns why it could not be taken; nothing if it is owned now.
     QString take();
 
-    /// Gives the name up and takes it again after a while; at 0, when take() is called.
+    /// Takes the name, or emits lost().
+    void takeAgain();
+
+    /// Gives the name up and takes it again after a while; at 0, when takeAgain() is called.
     void leave(int milliseconds);
 
 Q_SIGNALS:

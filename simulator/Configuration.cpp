@@ -97,23 +97,21 @@ void Configuration::requireInteger(const QString &name) const
             QStringLiteral("%1 is no integer, but of D-Bus type %2").arg(name, type));
 }
 
-int Configuration::initialInteger(const QString &name) const
+QVariant Configuration::initialValue(const QString &name, const QString &collection) const
 {
-    requireInteger(name);
-    return parameter(name).initial.toInt();
+    const Parameter &known = parameter(name);
+    if (known.follows.isEmpty())
+        return known.initial;
+    const QString paper = value(paperSize, collection).toString();
+    return m_profile.papers().value(paper).value(known.follows);
 }
 
 QVariant Configuration::value(const QString &name, const QString &collection) const
 {
-    const Parameter &known = parameter(name);
     const Setting &asked = setting(name);
     QVariant value = m_store.value(scopeOf(asked, collection), name);
-    if (!value.isValid() && !known.follows.isEmpty())
-        value = m_profile.papers()
-                    .value(this->value(paperSize, collection).toString())
-                    .value(known.follows);
     if (!value.isValid())
-        return known.initial;
+        return initialValue(name, collection);
     value.convert(metaTypeOf(asked.type));
     return value;
 }

@@ -37,8 +37,8 @@ public:
     /// Throws a Refusal if the setting is of another type.
     void requireInteger(const QString &name) const;
 
-    /// The profile's value of an integer setting.
-    int initialInteger(const QString &name) const;
+    /// The value of a setting until one is set.
+    QVariant initialValue(const QString &name, const QString &collection) const;
 
     QVariant value(const QString &name, const QString &collection = masterCollection()) const;
 

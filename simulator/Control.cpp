@@ -6,15 +6,10 @@
 #include "Refusal.h"
 #include "ServiceLog.h"
 
-#include <QtDBus/QDBusMetaType>
-
 namespace simulator {
 
 Control::Control(Faults &faults, const ServiceLog &log)
 {
-    // By the name that the slots have it under.
-    qRegisterMetaType<MapList>("simulator::MapList");
-    qDBusRegisterMetaType<MapList>();
     new FaultsAdaptor(faults, this);
     new LogAdaptor(log, this);
 }

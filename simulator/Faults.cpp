@@ -116,7 +116,7 @@ void Faults::clear()
 
 std::optional<Fault> Faults::next(const QString &method)
 {
-    const auto fault = std::find_if(m_pending.begin(), m_pending.end(), [&](const Fault &f) {
+    auto *const fault = std::find_if(m_pending.begin(), m_pending.end(), [&](const Fault &f) {
         return f.method == method || f.method == QLatin1String("*");
     });
     if (fault == m_pending.end())

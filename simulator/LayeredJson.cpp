@@ -217,7 +217,7 @@ QVector<JsonNode> JsonNode::elements() const
     if (!m_value.isArray())
         refuse(QStringLiteral("is no array"));
     QVector<JsonNode> nodes;
-    for (const QJsonValue &value : m_value.toArray())
+    for (const QJsonValue value : m_value.toArray())
         nodes.append(
             JsonNode(*m_json, childPointer(m_pointer, QString::number(nodes.size())), value));
     return nodes;

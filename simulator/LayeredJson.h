@@ -65,7 +65,7 @@ public:
     QVector<JsonNode> elements() const;
 
     /// Refuses the first member that is not one of these.
-    void allowOnly(const QStringList &keys) const;
+    void allowOnly(const QStringList &allowed) const;
 
     bool isText() const { return m_value.isString(); }
     bool isNumber() const { return m_value.isDouble(); }

@@ -214,7 +214,8 @@ Handlers parameterQueries(const Configuration &c)
         {QStringLiteral("getIntValue"), [&c](const Call &call) { return integerValue(c, call); }},
         {QStringLiteral("getIntDeltaValue"),
          [&c](const Call &call) {
-             return integerValue(c, call) - c.initialInteger(call.text("name"));
+             return integerValue(c, call) -
+                    c.initialValue(call.text("name"), call.collectionId()).toInt();
          }},
         {QStringLiteral("getParamIntValue"),
          [&c](const Call &call) { return qRound(number(c, call)); }},

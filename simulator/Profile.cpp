@@ -4,7 +4,6 @@
 
 #include "Interface.h"
 #include "Settings.h"
-#include "Types.h"
 
 #include <libconfigurationmanager/lcm.h>
 
@@ -171,13 +170,16 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
     Parameter parameter;
     const QString follows = QStringLiteral("follows");
     QStringList allowed{node.has(follows) ? follows : QStringLiteral("default"),
-                        QStringLiteral("row"), QStringLiteral("unit")};
+                        QStringLiteral("unit")};
     if (node.has(follows))
         parameter.follows = node["follows"].toText();
     else
         parameter.initial = readValue(node["default"], setting.type);
-    if (node.has(QStringLiteral("row")))
-        parameter.row = node["row"].toText();
+    if (setting.type == QLatin1String("i") || setting.type == QLatin1String("s")) {
+        if (node.has(QStringLiteral("row")))
+            parameter.row = node["row"].toText();
+        allowed << QStringLiteral("row");
+    }
     if (node.has(QStringLiteral("unit")))
         parameter.unit = node["unit"].toText();
     if (isNumeric(setting.type) && parameter.row.isEmpty()) {
@@ -233,6 +235,8 @@ Profile::Profile(const QString &file, const Interface &interface, const Settings
     readAnswers(root["answers"], interface);
     for (const QString &name : root["papers"].keys())
         m_papers.insert(name, readPaper(root["papers"][name]));
+    if (m_papers.isEmpty())
+        root["papers"].refuse(QStringLiteral("is empty"));
     for (const QString &name : root["cells"].keys())
         m_cells.insert(name, readCell(root["cells"][name]));
     for (const QString &name : root["lineSpacings"].keys())

@@ -89,7 +89,7 @@ public:
 
     /// Why a setting cannot have a value, in words that follow its name; empty if it can. Does not
     /// tell the value of a secret.
-    QString objectionTo(const QString &parameter, const QVariant &value) const;
+    QString objectionTo(const QString &name, const QVariant &value) const;
 
     /// Throws JsonError unless exactly these methods have an answer.
     void requireAnswers(const QStringList &methods) const;

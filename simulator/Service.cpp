@@ -11,7 +11,6 @@
 #include "ServiceLog.h"
 #include "Settings.h"
 #include "Store.h"
-#include "Types.h"
 #include "UserSettings.h"
 
 #include <QtCore/QTimer>

@@ -29,7 +29,7 @@ QVariantMap embosserReport(const Configuration &configuration)
     QVariantMap report;
     const QMap<QString, QVariant> &answers = configuration.profile().answers();
     for (auto answer = answers.begin(); answer != answers.end(); ++answer) {
-        QString name = answer.key();
+        const QString &name = answer.key();
         report.insert(name.startsWith(QLatin1String("get")) ? name.mid(3) : name, *answer);
     }
     for (const char *identity :
@@ -146,7 +146,9 @@ Handlers serviceCommands(const CommandTargets &t)
          [setInteger](const Call &call) { return setInteger(call, 0); }},
         {QStringLiteral("setIntDeltaValue"),
          [t, setInteger](const Call &call) {
-             return setInteger(call, t.configuration.initialInteger(call.text("name")));
+             return setInteger(
+                 call,
+                 t.configuration.initialValue(call.text("name"), call.collectionId()).toInt());
          }},
         {QStringLiteral("incrementPageCounter"),
          [t](const Call &call) {

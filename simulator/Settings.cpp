@@ -6,6 +6,8 @@
 
 #include <QtCore/QStringList>
 
+#include <algorithm>
+
 namespace simulator {
 
 namespace {
@@ -23,11 +25,8 @@ bool hasOtherArguments(const Method &method)
 {
     const QStringList known{QStringLiteral("collectionId"), QStringLiteral("flag"),
                             valueArgument(method), keyArgument(method)};
-    for (const Argument &argument : method.arguments) {
-        if (!known.contains(argument.name))
-            return true;
-    }
-    return false;
+    return std::any_of(method.arguments.begin(), method.arguments.end(),
+                       [&](const Argument &argument) { return !known.contains(argument.name); });
 }
 
 bool isSetter(const Method &method)

@@ -6,19 +6,18 @@
 
 namespace simulator {
 
+void registerListTypes()
+{
+    qDBusRegisterMetaType<MapList>();
+    qDBusRegisterMetaType<NamedMapList::value_type>();
+    qDBusRegisterMetaType<NamedMapList>();
+    // By the name that slots have it under.
+    qRegisterMetaType<MapList>("simulator::MapList");
+}
+
 int metaTypeOf(const QString &dbusType)
 {
-    // Qt itself looks up only the types that it knows without registration.
-    static const int mapList = qDBusRegisterMetaType<MapList>();
-    static const int named = qDBusRegisterMetaType<NamedMapList::value_type>();
-    static const int namedMapList = qDBusRegisterMetaType<NamedMapList>();
-    Q_UNUSED(named)
-    const QByteArray signature = dbusType.toLatin1();
-    for (const int type : {mapList, namedMapList}) {
-        if (QDBusMetaType::typeToSignature(type) == signature)
-            return type;
-    }
-    return QDBusMetaType::signatureToType(signature);
+    return QDBusMetaType::signatureToType(dbusType.toLatin1());
 }
 
 } // namespace simulator

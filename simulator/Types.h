@@ -13,7 +13,10 @@ namespace simulator {
 using MapList = QList<QVariantMap>;                      ///< aa{sv}
 using NamedMapList = QList<QPair<QString, QVariantMap>>; ///< a(sa{sv})
 
-/// The meta-type id of the C++ type that stands for a D-Bus type of the interface.
+/// Makes the lists known to Qt D-Bus.
+void registerListTypes();
+
+/// The meta-type id of the C++ type that stands for a setting's D-Bus type.
 int metaTypeOf(const QString &dbusType);
 
 } // namespace simulator

@@ -16,6 +16,7 @@
 #include "Settings.h"
 #include "Store.h"
 #include "TerminationSignals.h"
+#include "Types.h"
 #include "UserSettings.h"
 
 #include <QtCore/QCoreApplication>
@@ -66,6 +67,7 @@ int run(const Options &options)
     for (const QString &fault : options.faults)
         faults.inject(fault);
 
+    registerListTypes();
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.isConnected())
         return fail(QStringLiteral("no bus: %1").arg(bus.lastError().message()));
@@ -86,7 +88,7 @@ int run(const Options &options)
     Service service(interface, configuration, userSettings, log, faults, handlers);
     QObject::connect(&service, &Service::leaveRequested, &name, &BusName::leave);
     Control control(faults, log);
-    QObject::connect(&control, &Control::returnRequested, &name, &BusName::take);
+    QObject::connect(&control, &Control::returnRequested, &name, &BusName::takeAgain);
     bus.registerVirtualObject(QStringLiteral("/"), &service);
     bus.registerObject(Control::path(), &control);
 

@@ -13,7 +13,7 @@ class TestFaults : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    void happened(const QString &kind, const QString &method);
+    void happened(const QString &, const QString &);
 
 private Q_SLOTS:
     void init() { m_simulator.start(); }

@@ -58,7 +58,7 @@ private Q_SLOTS:
         LogCapture log;
         int asked = 0;
         for (auto slot = m_slots.begin(); slot != m_slots.end(); ++slot) {
-            const QByteArray signature = slot.key();
+            const QByteArray &signature = slot.key();
             // The service is gone for a while after it: it stands in a test of its own.
             if (signature.startsWith("set") || signature == "restartServicesAfterReset()")
                 continue;

@@ -134,6 +134,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, daemon);
         if (::geteuid() != 0)
+            // NOLINTNEXTLINE(clang-diagnostic-gnu-zero-variadic-macro-arguments): as QtTest has it
             QSKIP("needs root, to be several users");
         const QTemporaryDir directory;
         QVERIFY(QFile::setPermissions(directory.path(), QFileDevice::Permissions(0x7755)));
