@@ -91,7 +91,7 @@ private Q_SLOTS:
                                 "%2)\n")
                      .arg(Simulator::serviceName())
                      .arg(first.process().processId()));
-        QCOMPARE(first.value(QStringLiteral("getType")).toInt(), 3);
+        QCOMPARE(first.value("getType").toInt(), 3);
     }
 
     void itEndsCleanlyWhenAsked_data()

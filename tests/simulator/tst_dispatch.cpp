@@ -65,14 +65,14 @@ private Q_SLOTS:
 
     void aWrongSignatureIsAnsweredWithTheRightOne()
     {
-        QCOMPARE(m_simulator.error(QStringLiteral("setBaudrate"), {QStringLiteral("9600")}),
+        QCOMPARE(m_simulator.error("setBaudrate", {QStringLiteral("9600")}),
                  QStringLiteral("setBaudrate takes (i value, s collectionId, b flag), of signature "
                                 "\"isb\"; it was called with \"s\""));
     }
 
     void anUnknownMethodIsAnError()
     {
-        const QDBusMessage reply = m_simulator.call(QStringLiteral("getModle"));
+        const QDBusMessage reply = m_simulator.call("getModle");
         QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
         QVERIFY(reply.errorMessage().contains(QLatin1String("getModle")));
     }
@@ -100,18 +100,17 @@ private Q_SLOTS:
                                            Simulator::serviceName(), QStringLiteral("setTabSize"));
         message << 7;
         QVERIFY(m_simulator.connection().send(message));
-        QTRY_COMPARE(m_simulator.value(QStringLiteral("getTabSize")).toInt(), 7);
+        QTRY_COMPARE(m_simulator.value("getTabSize").toInt(), 7);
     }
 
     void aRestartLeavesTheBusAndComesBack()
     {
-        QCOMPARE(m_simulator.error(QStringLiteral("setTabSize"), {5}), QString());
-        QCOMPARE(m_simulator.error(QStringLiteral("restartServicesAfterReset")), QString());
-        QTRY_COMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+        QCOMPARE(m_simulator.error("setTabSize", {5}), QString());
+        QCOMPARE(m_simulator.error("restartServicesAfterReset"), QString());
+        QTRY_COMPARE(m_simulator.call("getTabSize").errorName(),
                      QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
-        QTRY_COMPARE(m_simulator.call(QStringLiteral("getTabSize")).type(),
-                     QDBusMessage::ReplyMessage);
-        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")).toInt(), 5);
+        QTRY_COMPARE(m_simulator.call("getTabSize").type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(m_simulator.value("getTabSize").toInt(), 5);
     }
 
     void theLogIsOffUntilItIsSwitchedOn()
@@ -126,20 +125,20 @@ private Q_SLOTS:
         const QString secret = QStringLiteral("not for a log");
         QVERIFY(!isEnabled());
         QCOMPARE(lines(), QStringList());
-        m_simulator.call(QStringLiteral("setLogger"), {true});
+        m_simulator.call("setLogger", {true});
         QVERIFY(isEnabled());
-        m_simulator.call(QStringLiteral("setPassphrase"), {secret, secret});
-        m_simulator.call(QStringLiteral("getBaudrate"));
+        m_simulator.call("setPassphrase", {secret, secret});
+        m_simulator.call("getBaudrate");
         QCOMPARE(lines().size(), 3);
         QVERIFY(lines().at(0).endsWith(QLatin1String(" setLogger ok")));
         QVERIFY(lines().at(1).endsWith(QLatin1String(" setPassphrase ok")));
         QVERIFY(lines().at(2).endsWith(
             QLatin1String(" getBaudrate org.freedesktop.DBus.Error.InvalidArgs")));
         QVERIFY(!lines().join(QString()).contains(secret));
-        m_simulator.call(QStringLiteral("setLogger"), {false});
-        m_simulator.call(QStringLiteral("getType"));
+        m_simulator.call("setLogger", {false});
+        m_simulator.call("getType");
         QCOMPARE(lines().size(), 3);
-        QCOMPARE(m_simulator.value(QStringLiteral("clearLog")), QVariant(true));
+        QCOMPARE(m_simulator.value("clearLog"), QVariant(true));
         QCOMPARE(lines(), QStringList());
     }
 

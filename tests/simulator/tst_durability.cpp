@@ -29,13 +29,14 @@ private Q_SLOTS:
         set("setTabSize", {7});
         m_simulator.process().terminateAndWait();
         start();
-        QCOMPARE(value("getSsid", {QStringLiteral("one")}), QVariant("net"));
-        QCOMPARE(value("getTopOfForm", {m_master}), QVariant(12.345678901234567));
-        QCOMPARE(value("getUseAdjustableLinespacing", {m_master}), QVariant(true));
-        QCOMPARE(value("getFileCRC", {m_master}), QVariant(-1));
-        QCOMPARE(value("getTabSize"), QVariant(7));
-        QCOMPARE(value("duplicateCatalog", {QStringLiteral("one"), QStringLiteral("two")}),
-                 QVariant(true));
+        QCOMPARE(m_simulator.value("getSsid", {QStringLiteral("one")}), QVariant("net"));
+        QCOMPARE(m_simulator.value("getTopOfForm", {m_master}), QVariant(12.345678901234567));
+        QCOMPARE(m_simulator.value("getUseAdjustableLinespacing", {m_master}), QVariant(true));
+        QCOMPARE(m_simulator.value("getFileCRC", {m_master}), QVariant(-1));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(7));
+        QCOMPARE(
+            m_simulator.value("duplicateCatalog", {QStringLiteral("one"), QStringLiteral("two")}),
+            QVariant(true));
     }
 
     void withoutAFileNothingIsKept()
@@ -43,7 +44,7 @@ private Q_SLOTS:
         m_simulator.start();
         set("setTabSize", {7});
         m_simulator.start();
-        QCOMPARE(value("getTabSize"), QVariant(4));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
     }
 
     void theFileIsTheOwnersAlone()
@@ -79,7 +80,7 @@ private Q_SLOTS:
             }
             start();
             // What was carried out but not answered may be there or not.
-            const int kept = value("getCounter", {1, m_master}).toInt();
+            const int kept = m_simulator.value("getCounter", {1, m_master}).toInt();
             QVERIFY2(kept >= confirmed, qPrintable(QStringLiteral("%1 of %2 writes after %3 kills")
                                                        .arg(kept)
                                                        .arg(confirmed)
@@ -139,12 +140,7 @@ private:
 
     void set(const char *method, const QVariantList &arguments) const
     {
-        QCOMPARE(m_simulator.error(QString::fromLatin1(method), arguments), QString());
-    }
-
-    QVariant value(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.value(QString::fromLatin1(method), arguments);
+        QCOMPARE(m_simulator.error(method, arguments), QString());
     }
 
     const QString m_master = Simulator::masterCollection();

@@ -22,37 +22,37 @@ private Q_SLOTS:
     {
         inject("error", "getTabSize", 2, "out of paper");
         for (int i = 0; i < 2; ++i) {
-            const QDBusMessage reply = m_simulator.call(QStringLiteral("getTabSize"));
+            const QDBusMessage reply = m_simulator.call("getTabSize");
             QCOMPARE(reply.errorName(),
                      QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"));
             QCOMPARE(reply.errorMessage(), QStringLiteral("out of paper"));
-            QCOMPARE(error("getType"), QString());
+            QCOMPARE(m_simulator.error("getType"), QString());
         }
-        QCOMPARE(error("getTabSize"), QString());
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
     }
 
     void aCallThatFailsIsNotCarriedOut()
     {
         inject("error", "setTabSize", 1);
-        QVERIFY(!m_simulator.error(QStringLiteral("setTabSize"), {7}).isEmpty());
-        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
+        QVERIFY(!m_simulator.error("setTabSize", {7}).isEmpty());
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
     }
 
     void theNextCallsOfAnyMethodFail()
     {
         inject("error", "*", 2);
-        QVERIFY(!error("getTabSize").isEmpty());
-        QVERIFY(!error("getType").isEmpty());
-        QCOMPARE(error("getType"), QString());
+        QVERIFY(!m_simulator.error("getTabSize").isEmpty());
+        QVERIFY(!m_simulator.error("getType").isEmpty());
+        QCOMPARE(m_simulator.error("getType"), QString());
     }
 
     void callsFailUntilThatIsCleared()
     {
         inject("error", "getType", 0);
         for (int i = 0; i < 5; ++i)
-            QVERIFY(!error("getType").isEmpty());
+            QVERIFY(!m_simulator.error("getType").isEmpty());
         control("Clear");
-        QCOMPARE(error("getType"), QString());
+        QCOMPARE(m_simulator.error("getType"), QString());
     }
 
     void theAnswerIsOfAnotherType_data()
@@ -89,7 +89,7 @@ private Q_SLOTS:
         const QDBusPendingCall late =
             m_simulator.connection().asyncCall(message(QStringLiteral("getTabSize")));
         // The service answers others meanwhile.
-        QCOMPARE(error("getType"), QString());
+        QCOMPARE(m_simulator.error("getType"), QString());
         QVERIFY(!late.isFinished());
         QDBusPendingReply<int> reply = late;
         reply.waitForFinished();
@@ -104,13 +104,13 @@ private Q_SLOTS:
         set << 7;
         const QDBusMessage reply = m_simulator.connection().call(set, QDBus::Block, 200);
         QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.NoReply"));
-        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
     }
 
     void theServiceCrashes()
     {
         inject("crash", "getTabSize", 1);
-        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(m_simulator.call("getTabSize").type(), QDBusMessage::ErrorMessage);
         QVERIFY(m_simulator.process().waitForFinished());
         QCOMPARE(m_simulator.process().exitStatus(), QProcess::CrashExit);
     }
@@ -118,21 +118,21 @@ private Q_SLOTS:
     void theServiceLeavesTheBusForAWhile()
     {
         inject("drop-name", "getTabSize", 1, "200");
-        QCOMPARE(m_simulator.value(QStringLiteral("getTabSize")), QVariant(4));
-        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+        QCOMPARE(m_simulator.call("getTabSize").errorName(),
                  QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
-        QTRY_COMPARE(error("getTabSize"), QString());
+        QTRY_COMPARE(m_simulator.error("getTabSize"), QString());
     }
 
     void theServiceLeavesTheBusUntilItIsToldToReturn()
     {
         inject("drop-name", "getTabSize", 1, "0");
-        QCOMPARE(error("getTabSize"), QString());
-        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).errorName(),
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
+        QCOMPARE(m_simulator.call("getTabSize").errorName(),
                  QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
         QCOMPARE(control("History").toList().size(), 1);
         control("Return");
-        QCOMPARE(error("getTabSize"), QString());
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
     }
 
     void everythingCanBeReadBack()
@@ -154,8 +154,8 @@ private Q_SLOTS:
                                   {QStringLiteral("calls"), 3U},
                                   {QStringLiteral("detail"), QStringLiteral("no")}};
         QCOMPARE(control("Pending").toList(), QVariantList({failure, delay}));
-        error("getType");
-        error("getTabSize");
+        m_simulator.error("getType");
+        m_simulator.error("getTabSize");
         QVariantMap less = failure;
         less.insert(QStringLiteral("calls"), 2U);
         QCOMPARE(control("Pending").toList(), QVariantList({less, delay}));
@@ -175,9 +175,9 @@ private Q_SLOTS:
     {
         m_simulator.start({QStringLiteral("--fault"), QStringLiteral("error:getType:2:a: b"),
                            QStringLiteral("--fault"), QStringLiteral("wrong-type:getTabSize")});
-        QCOMPARE(error("getType"), QStringLiteral("a: b"));
-        QCOMPARE(m_simulator.call(QStringLiteral("getTabSize")).signature(), QStringLiteral("s"));
-        QCOMPARE(error("getType"), QStringLiteral("a: b"));
+        QCOMPARE(m_simulator.error("getType"), QStringLiteral("a: b"));
+        QCOMPARE(m_simulator.call("getTabSize").signature(), QStringLiteral("s"));
+        QCOMPARE(m_simulator.error("getType"), QStringLiteral("a: b"));
         QCOMPARE(control("Pending").toList(), QVariantList());
         QCOMPARE(control("History").toList().size(), 3);
     }
@@ -243,11 +243,6 @@ private:
     {
         control("Inject", {QString::fromLatin1(kind), QString::fromLatin1(method), calls,
                            QString::fromLatin1(detail)});
-    }
-
-    QString error(const char *method) const
-    {
-        return m_simulator.error(QString::fromLatin1(method));
     }
 
     PrivateBus m_bus;

@@ -39,15 +39,15 @@ private Q_SLOTS:
         QFETCH(int, step);
         QFETCH(int, stepFraction);
         const QVariantList paper{QString::fromLatin1(QTest::currentDataTag())};
-        QCOMPARE(value("getWidthForPaper", paper), QVariant(width));
-        QCOMPARE(value("getHeightForPaper", paper), QVariant(height));
-        QCOMPARE(value("getInchesWidthForPaper", paper), QVariant(inchesWidth));
-        QCOMPARE(value("getInchesHeightForPaper", paper), QVariant(inchesHeight));
+        QCOMPARE(m_simulator.value("getWidthForPaper", paper), QVariant(width));
+        QCOMPARE(m_simulator.value("getHeightForPaper", paper), QVariant(height));
+        QCOMPARE(m_simulator.value("getInchesWidthForPaper", paper), QVariant(inchesWidth));
+        QCOMPARE(m_simulator.value("getInchesHeightForPaper", paper), QVariant(inchesHeight));
         QCOMPARE(inchesWidth, qRound(width / 25.4));
-        QCOMPARE(value("getSizeUnitForPaper", paper), QVariant(unit));
-        QCOMPARE(value("getFormatOrientationForPaper", paper), QVariant(orientation));
-        QCOMPARE(value("getStepLengthForPaper", paper), QVariant(step));
-        QCOMPARE(value("getStepLengthFractForPaper", paper), QVariant(stepFraction));
+        QCOMPARE(m_simulator.value("getSizeUnitForPaper", paper), QVariant(unit));
+        QCOMPARE(m_simulator.value("getFormatOrientationForPaper", paper), QVariant(orientation));
+        QCOMPARE(m_simulator.value("getStepLengthForPaper", paper), QVariant(step));
+        QCOMPARE(m_simulator.value("getStepLengthFractForPaper", paper), QVariant(stepFraction));
     }
 
     void theCurrentPaperIsTheOneThatIsSet()
@@ -55,50 +55,53 @@ private Q_SLOTS:
         const QVariantList here{QStringLiteral("a collection")};
         for (const char *paper : {"A4", "115x110"}) {
             const QString name = QString::fromLatin1(paper);
-            QCOMPARE(m_simulator.error(QStringLiteral("setPaperSize"), QVariantList{name} + here),
-                     QString());
-            QCOMPARE(value("getPaperWidth", here), value("getWidthForPaper", {name}));
-            QCOMPARE(value("getPaperLength", here), value("getHeightForPaper", {name}));
-            QCOMPARE(value("getStepLength", here), value("getStepLengthForPaper", {name}));
-            QCOMPARE(value("getStepLengthFraction", here),
-                     value("getStepLengthFractForPaper", {name}));
-            QCOMPARE(value("getPrintHeadOffset", here),
-                     value("getPrintHeadOffsetForPaper", {name}));
-            QCOMPARE(value("getFormatOrientation", here),
-                     value("getFormatOrientationForPaper", {name}));
+            QCOMPARE(m_simulator.error("setPaperSize", QVariantList{name} + here), QString());
+            QCOMPARE(m_simulator.value("getPaperWidth", here),
+                     m_simulator.value("getWidthForPaper", {name}));
+            QCOMPARE(m_simulator.value("getPaperLength", here),
+                     m_simulator.value("getHeightForPaper", {name}));
+            QCOMPARE(m_simulator.value("getStepLength", here),
+                     m_simulator.value("getStepLengthForPaper", {name}));
+            QCOMPARE(m_simulator.value("getStepLengthFraction", here),
+                     m_simulator.value("getStepLengthFractForPaper", {name}));
+            QCOMPARE(m_simulator.value("getPrintHeadOffset", here),
+                     m_simulator.value("getPrintHeadOffsetForPaper", {name}));
+            QCOMPARE(m_simulator.value("getFormatOrientation", here),
+                     m_simulator.value("getFormatOrientationForPaper", {name}));
             // A size of one's own lasts until the next paper.
-            m_simulator.call(QStringLiteral("setPaperWidth"), QVariantList{123.5} + here);
-            QCOMPARE(value("getPaperWidth", here), QVariant(123.5));
+            m_simulator.call("setPaperWidth", QVariantList{123.5} + here);
+            QCOMPARE(m_simulator.value("getPaperWidth", here), QVariant(123.5));
         }
     }
 
     void theBoundsAreThoseOfTheCurrentPaper()
     {
-        const double most = value("getMaxWidth").toDouble();
+        const double most = m_simulator.value("getMaxWidth").toDouble();
         const QVariantList here{QStringLiteral("bounds")};
-        QCOMPARE(m_simulator.error(QStringLiteral("setPaperWidth"), QVariantList{most} + here),
-                 QString());
-        QVERIFY(!m_simulator.error(QStringLiteral("setPaperWidth"), QVariantList{most + 0.1} + here)
-                     .isEmpty());
-        QVERIFY(value("getMinWidth").toDouble() < most);
-        QVERIFY(value("getMinHeight").toDouble() < value("getMaxHeight").toDouble());
+        QCOMPARE(m_simulator.error("setPaperWidth", QVariantList{most} + here), QString());
+        QVERIFY(!m_simulator.error("setPaperWidth", QVariantList{most + 0.1} + here).isEmpty());
+        QVERIFY(m_simulator.value("getMinWidth").toDouble() < most);
+        QVERIFY(m_simulator.value("getMinHeight").toDouble() <
+                m_simulator.value("getMaxHeight").toDouble());
     }
 
     void aBrailleDistanceIsThatOfItsName()
     {
         const QVariantList text{QStringLiteral("Text_2p5")};
-        QCOMPARE(value("getHorizontalDotToDot", text), QVariant(2.5));
-        QCOMPARE(value("getVerticalDotToDot", text), QVariant(2.5));
-        QCOMPARE(value("getCellToCell", text), QVariant(6.0));
-        QCOMPARE(value("getIsInterline", text), QVariant(false));
+        QCOMPARE(m_simulator.value("getHorizontalDotToDot", text), QVariant(2.5));
+        QCOMPARE(m_simulator.value("getVerticalDotToDot", text), QVariant(2.5));
+        QCOMPARE(m_simulator.value("getCellToCell", text), QVariant(6.0));
+        QCOMPARE(m_simulator.value("getIsInterline", text), QVariant(false));
         const QVariantList graphics{QStringLiteral("Graph_1p6")};
-        QCOMPARE(value("getVerticalDotToDot", graphics), QVariant(1.6));
-        QCOMPARE(value("getIsInterline", graphics), QVariant(true));
+        QCOMPARE(m_simulator.value("getVerticalDotToDot", graphics), QVariant(1.6));
+        QCOMPARE(m_simulator.value("getIsInterline", graphics), QVariant(true));
         const QString single = QStringLiteral("Single");
         const QString twice = QStringLiteral("Double");
-        QCOMPARE(value("getInterlineBackRowOffset", text + QVariantList{single}), QVariant(1.25));
-        QCOMPARE(value("getInterlineBackRowOffset", text + QVariantList{twice}), QVariant(2.5));
-        QCOMPARE(value("getInterlineBackRowOffset", graphics + QVariantList{single}),
+        QCOMPARE(m_simulator.value("getInterlineBackRowOffset", text + QVariantList{single}),
+                 QVariant(1.25));
+        QCOMPARE(m_simulator.value("getInterlineBackRowOffset", text + QVariantList{twice}),
+                 QVariant(2.5));
+        QCOMPARE(m_simulator.value("getInterlineBackRowOffset", graphics + QVariantList{single}),
                  QVariant(2.4));
     }
 
@@ -138,7 +141,7 @@ private Q_SLOTS:
     {
         QFETCH(QVariantList, arguments);
         QFETCH(double, distance);
-        QCOMPARE(value("getLineToLine", arguments).toDouble(), distance);
+        QCOMPARE(m_simulator.value("getLineToLine", arguments).toDouble(), distance);
     }
 
     void whatIsUnknownIsAnError_data()
@@ -182,11 +185,6 @@ private Q_SLOTS:
     }
 
 private:
-    QVariant value(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.value(QString::fromLatin1(method), arguments);
-    }
-
     PrivateBus m_bus;
     Simulator m_simulator{m_bus};
 };

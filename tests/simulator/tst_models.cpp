@@ -79,13 +79,13 @@ private Q_SLOTS:
         QFETCH(int, slaves);
         QFETCH(QString, tests);
         startModel();
-        QCOMPARE(value("getType").toInt(), int(type));
-        QCOMPARE(value("getModelMask").toInt(), int(mask));
-        QCOMPARE(value("getMaskValue").toInt(), maskValue);
-        QCOMPARE(value("getFeedType").toInt(), int(feed));
-        QCOMPARE(value("getHeadType").toInt(), int(head));
-        QCOMPARE(value("numberOfSlaves").toInt(), slaves);
-        QCOMPARE(value("getSlaveDev").toString().isEmpty(), slaves == 0);
+        QCOMPARE(m_simulator.value("getType").toInt(), int(type));
+        QCOMPARE(m_simulator.value("getModelMask").toInt(), int(mask));
+        QCOMPARE(m_simulator.value("getMaskValue").toInt(), maskValue);
+        QCOMPARE(m_simulator.value("getFeedType").toInt(), int(feed));
+        QCOMPARE(m_simulator.value("getHeadType").toInt(), int(head));
+        QCOMPARE(m_simulator.value("numberOfSlaves").toInt(), slaves);
+        QCOMPARE(m_simulator.value("getSlaveDev").toString().isEmpty(), slaves == 0);
 
         const QStringList all =
             QStringLiteral(
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(rows.keyCount(), 58);
         for (int i = 0; i < rows.keyCount(); ++i) {
             const QVariantList choices =
-                m_simulator.value(QStringLiteral("getValueList"), {rows.value(i)}).toList();
+                m_simulator.value("getValueList", {rows.value(i)}).toList();
             QVERIFY2(!choices.isEmpty(), rows.key(i));
             QStringList keys;
             for (const QVariant &choice : choices) {
@@ -122,8 +122,8 @@ private Q_SLOTS:
             }
             QCOMPARE(keys.removeDuplicates(), 0);
         }
-        QVERIFY(!m_simulator.error(QStringLiteral("getValueList"), {-1}).isEmpty());
-        QCOMPARE(m_simulator.error(QStringLiteral("getValueList"), {58}),
+        QVERIFY(!m_simulator.error("getValueList", {-1}).isEmpty());
+        QCOMPARE(m_simulator.error("getValueList", {58}),
                  QStringLiteral("there is no value list 58; they are numbered 0 to 57"));
     }
 
@@ -132,23 +132,22 @@ private Q_SLOTS:
     void everyPaperOfTheListFitsTheModel()
     {
         startModel();
-        const int feed = value("getFeedType").toInt();
+        const int feed = m_simulator.value("getFeedType").toInt();
         const int any = int(FeedType::Ignore);
         const int papers = int(lcm::RowValueList::Papers);
-        for (const QVariant &choice :
-             m_simulator.value(QStringLiteral("getValueList"), {papers}).toList()) {
+        for (const QVariant &choice : m_simulator.value("getValueList", {papers}).toList()) {
             const QString paper = choice.toMap().value(QStringLiteral("key")).toString();
-            const double width = value("getWidthForPaper", {paper}).toDouble();
-            const double height = value("getHeightForPaper", {paper}).toDouble();
-            QVERIFY(width >= value("getMinWidth").toDouble());
-            QVERIFY(width <= value("getMaxWidth").toDouble());
-            QVERIFY(height >= value("getMinHeight").toDouble());
-            QVERIFY(height <= value("getMaxHeight").toDouble());
-            QVERIFY(value("getModelMaskForPaper", {paper}).toInt() & value("getMaskValue").toInt());
-            const int paperFeed = value("getFeedTypeForPaper", {paper}).toInt();
+            const double width = m_simulator.value("getWidthForPaper", {paper}).toDouble();
+            const double height = m_simulator.value("getHeightForPaper", {paper}).toDouble();
+            QVERIFY(width >= m_simulator.value("getMinWidth").toDouble());
+            QVERIFY(width <= m_simulator.value("getMaxWidth").toDouble());
+            QVERIFY(height >= m_simulator.value("getMinHeight").toDouble());
+            QVERIFY(height <= m_simulator.value("getMaxHeight").toDouble());
+            QVERIFY(m_simulator.value("getModelMaskForPaper", {paper}).toInt() &
+                    m_simulator.value("getMaskValue").toInt());
+            const int paperFeed = m_simulator.value("getFeedTypeForPaper", {paper}).toInt();
             QVERIFY(feed == any || paperFeed == any || paperFeed == feed);
-            QCOMPARE(m_simulator.error(QStringLiteral("setPaperSize"),
-                                       {paper, Simulator::masterCollection()}),
+            QCOMPARE(m_simulator.error("setPaperSize", {paper, Simulator::masterCollection()}),
                      QString());
         }
     }
@@ -158,15 +157,16 @@ private Q_SLOTS:
     void theReportsAgreeWithTheGetters()
     {
         startModel();
-        const QVariantMap report = value("embosserInfoCmd").toMap();
-        QCOMPARE(report.value(QStringLiteral("Type")), value("getType"));
-        QCOMPARE(report.value(QStringLiteral("ModelMask")), value("getModelMask"));
-        QCOMPARE(report.value(QStringLiteral("hasBooklet")), value("hasBooklet"));
+        const QVariantMap report = m_simulator.value("embosserInfoCmd").toMap();
+        QCOMPARE(report.value(QStringLiteral("Type")), m_simulator.value("getType"));
+        QCOMPARE(report.value(QStringLiteral("ModelMask")), m_simulator.value("getModelMask"));
+        QCOMPARE(report.value(QStringLiteral("hasBooklet")), m_simulator.value("hasBooklet"));
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(report.value(QStringLiteral("Model")), value("getModel", master));
-        QCOMPARE(report.value(QStringLiteral("SerialNo")), value("getSerialNo", master));
+        QCOMPARE(report.value(QStringLiteral("Model")), m_simulator.value("getModel", master));
+        QCOMPARE(report.value(QStringLiteral("SerialNo")),
+                 m_simulator.value("getSerialNo", master));
         for (const char *list : {"getDemoDocuments", "getManualDocuments", "getServiceDocuments"})
-            QVERIFY(!value(list).toMap().isEmpty());
+            QVERIFY(!m_simulator.value(list).toMap().isEmpty());
     }
 
 private:
@@ -182,11 +182,6 @@ private:
     {
         m_simulator.start(
             {QStringLiteral("--model"), QString::fromLatin1(QTest::currentDataTag())});
-    }
-
-    QVariant value(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.value(QString::fromLatin1(method), arguments);
     }
 
     PrivateBus m_bus;

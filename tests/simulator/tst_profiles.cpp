@@ -156,8 +156,8 @@ private Q_SLOTS:
         Simulator simulator(m_bus);
         simulator.start({QStringLiteral("--profile"), path});
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(simulator.value(QStringLiteral("getSerialNo"), master), QVariant("mine"));
-        QCOMPARE(simulator.value(QStringLiteral("getModel"), master), QVariant("Dovrik"));
+        QCOMPARE(simulator.value("getSerialNo", master), QVariant("mine"));
+        QCOMPARE(simulator.value("getModel", master), QVariant("Dovrik"));
     }
 
     void aProfileMayBeBasedOnAnotherFile()
@@ -168,8 +168,8 @@ private Q_SLOTS:
             write(QStringLiteral("derived.json"), QStringLiteral("{\"base\": \"base.json\"}"));
         Simulator simulator(m_bus);
         simulator.start({QStringLiteral("--profile"), path});
-        QCOMPARE(simulator.value(QStringLiteral("getShortID")), QVariant("base"));
-        QCOMPARE(simulator.value(QStringLiteral("isFeyra")), QVariant(true));
+        QCOMPARE(simulator.value("getShortID"), QVariant("base"));
+        QCOMPARE(simulator.value("isFeyra"), QVariant(true));
     }
 
 private:

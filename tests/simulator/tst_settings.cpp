@@ -13,37 +13,41 @@ private Q_SLOTS:
 
     void aCollectionHasValuesOfItsOwn()
     {
-        QCOMPARE(error("setLetterFont", {3, QStringLiteral("one"), false}), QString());
-        QCOMPARE(value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
-        QCOMPARE(value("getLetterFont", {QStringLiteral("other")}), QVariant(0));
-        QCOMPARE(value("getLetterFont", {QString()}), QVariant(0));
-        QCOMPARE(error("setLetterFont", {4, QString(), false}), QString());
-        QCOMPARE(value("getLetterFont", {QString()}), QVariant(4));
-        QCOMPARE(value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
+        QCOMPARE(m_simulator.error("setLetterFont", {3, QStringLiteral("one"), false}), QString());
+        QCOMPARE(m_simulator.value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
+        QCOMPARE(m_simulator.value("getLetterFont", {QStringLiteral("other")}), QVariant(0));
+        QCOMPARE(m_simulator.value("getLetterFont", {QString()}), QVariant(0));
+        QCOMPARE(m_simulator.error("setLetterFont", {4, QString(), false}), QString());
+        QCOMPARE(m_simulator.value("getLetterFont", {QString()}), QVariant(4));
+        QCOMPARE(m_simulator.value("getLetterFont", {QStringLiteral("one")}), QVariant(3));
     }
 
     void whatIsReadWithoutCollectionIsOfTheDevice()
     {
         const QString path = QStringLiteral("/tables");
-        QCOMPARE(error("setTablePath", {path, QStringLiteral("any"), false}), QString());
-        QCOMPARE(value("getTablePath"), QVariant(path));
-        QCOMPARE(error("setReleaseLevel", {5, QStringLiteral("other"), false}), QString());
-        QCOMPARE(value("getReleaseLevel"), QVariant(5));
-        QCOMPARE(error("setKeepFormat", {true}), QString());
-        QCOMPARE(value("getKeepFormat"), QVariant(true));
+        QCOMPARE(m_simulator.error("setTablePath", {path, QStringLiteral("any"), false}),
+                 QString());
+        QCOMPARE(m_simulator.value("getTablePath"), QVariant(path));
+        QCOMPARE(m_simulator.error("setReleaseLevel", {5, QStringLiteral("other"), false}),
+                 QString());
+        QCOMPARE(m_simulator.value("getReleaseLevel"), QVariant(5));
+        QCOMPARE(m_simulator.error("setKeepFormat", {true}), QString());
+        QCOMPARE(m_simulator.value("getKeepFormat"), QVariant(true));
     }
 
     void aSettingOfAnotherRemoteNameHasTheNameOfItsOperation()
     {
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(error("setStepLength", QVariantList{7} + master), QString());
-        QCOMPARE(value("getStepLength", master), QVariant(7));
-        QCOMPARE(value("getIntValue", QVariantList{QStringLiteral("PaperStepLength")} + master),
+        QCOMPARE(m_simulator.error("setStepLength", QVariantList{7} + master), QString());
+        QCOMPARE(m_simulator.value("getStepLength", master), QVariant(7));
+        QCOMPARE(m_simulator.value("getIntValue",
+                                   QVariantList{QStringLiteral("PaperStepLength")} + master),
                  QVariant(7));
         QVERIFY(
-            !error("getIntValue", QVariantList{QStringLiteral("StepLength")} + master).isEmpty());
-        QCOMPARE(error("setPrintHeadOffset", QVariantList{1.5} + master), QString());
-        QCOMPARE(value("getPrintHeadOffset", master), QVariant(1.5));
+            !m_simulator.error("getIntValue", QVariantList{QStringLiteral("StepLength")} + master)
+                 .isEmpty());
+        QCOMPARE(m_simulator.error("setPrintHeadOffset", QVariantList{1.5} + master), QString());
+        QCOMPARE(m_simulator.value("getPrintHeadOffset", master), QVariant(1.5));
     }
 
     void whatIsSetAsDoubleIsReadAsInt_data()
@@ -64,9 +68,8 @@ private Q_SLOTS:
         QFETCH(double, set);
         QFETCH(int, read);
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(m_simulator.error(QStringLiteral("set") + setting, QVariantList{set} + master),
-                 QString());
-        QCOMPARE(m_simulator.value(QStringLiteral("get") + setting, master), QVariant(read));
+        QCOMPARE(m_simulator.error("set" + setting, QVariantList{set} + master), QString());
+        QCOMPARE(m_simulator.value("get" + setting, master), QVariant(read));
     }
 
     void aValueThatCannotBeIsRefused_data()
@@ -133,9 +136,9 @@ private Q_SLOTS:
         const QString master = Simulator::masterCollection();
         const QString name = QStringLiteral("OddHighPulseTime");
         for (const char *bound : {"getMinValue", "getMaxValue"}) {
-            const int number = value(bound, {name}).toInt();
-            QCOMPARE(error("setOddHighPulseTime", {number, master, false}), QString());
-            QCOMPARE(value("getOddHighPulseTime", {master}), QVariant(number));
+            const int number = m_simulator.value(bound, {name}).toInt();
+            QCOMPARE(m_simulator.error("setOddHighPulseTime", {number, master, false}), QString());
+            QCOMPARE(m_simulator.value("getOddHighPulseTime", {master}), QVariant(number));
         }
     }
 
@@ -143,14 +146,14 @@ private Q_SLOTS:
     {
         const QString secret(70, QLatin1Char('s'));
         const QString master = Simulator::masterCollection();
-        QCOMPARE(error("setPassphrase", {secret, master}),
+        QCOMPARE(m_simulator.error("setPassphrase", {secret, master}),
                  QStringLiteral("Passphrase: the value is longer than 63 bytes"));
         const QString shortSecret = QStringLiteral("open sesame");
-        QCOMPARE(error("setPassphrase", {shortSecret, master}), QString());
-        QCOMPARE(value("getPassphrase", {master}), QVariant(shortSecret));
-        QCOMPARE(value("getValueSentence", {QStringLiteral("Passphrase")}),
+        QCOMPARE(m_simulator.error("setPassphrase", {shortSecret, master}), QString());
+        QCOMPARE(m_simulator.value("getPassphrase", {master}), QVariant(shortSecret));
+        QCOMPARE(m_simulator.value("getValueSentence", {QStringLiteral("Passphrase")}),
                  QVariant("The passphrase of the wireless network: set"));
-        const QDBusMessage report = m_simulator.call(QStringLiteral("currentConfigurationCmd"));
+        const QDBusMessage report = m_simulator.call("currentConfigurationCmd");
         QCOMPARE(report.signature(), QStringLiteral("a(sa{sv})"));
         const auto parts =
             qdbus_cast<QList<QPair<QString, QVariantMap>>>(report.arguments().constFirst());
@@ -163,37 +166,42 @@ private Q_SLOTS:
     {
         const QString c = QStringLiteral("by name");
         const QString name = QStringLiteral("OddLowPulseTime");
-        const int initial = value("getOddLowPulseTime", {c}).toInt();
-        QCOMPARE(value("getIntDeltaValue", {name, c}), QVariant(0));
-        QCOMPARE(value("setIntDeltaValue", {name, 10, c, false}), QVariant(true));
-        QCOMPARE(value("getOddLowPulseTime", {c}), QVariant(initial + 10));
-        QCOMPARE(value("getIntDeltaValue", {name, c}), QVariant(10));
-        QCOMPARE(value("setIntValue", {name, 700, c, false}), QVariant(true));
-        QCOMPARE(value("getIntValue", {name, c}), QVariant(700));
-        QCOMPARE(value("getParamIntValue", {name, c}), QVariant(700));
-        QCOMPARE(value("getParamFloatValue", {name, c}), QVariant(700.0));
-        QCOMPARE(error("setTopOfForm", {12.6, c, false}), QString());
-        QCOMPARE(value("getParamFloatValue", {QStringLiteral("TopOfForm"), c}), QVariant(12.6));
-        QCOMPARE(value("getParamIntValue", {QStringLiteral("TopOfForm"), c}), QVariant(13));
-        QCOMPARE(value("getPrecision", {QStringLiteral("TopOfForm")}), QVariant(2));
-        QVERIFY(!error("getParamFloatValue", {QStringLiteral("Model"), c}).isEmpty());
-        QVERIFY(!error("getMinValue", {QStringLiteral("Model")}).isEmpty());
-        QVERIFY(!error("getIntValue", {QStringLiteral("TopOfForm"), c}).isEmpty());
+        const int initial = m_simulator.value("getOddLowPulseTime", {c}).toInt();
+        QCOMPARE(m_simulator.value("getIntDeltaValue", {name, c}), QVariant(0));
+        QCOMPARE(m_simulator.value("setIntDeltaValue", {name, 10, c, false}), QVariant(true));
+        QCOMPARE(m_simulator.value("getOddLowPulseTime", {c}), QVariant(initial + 10));
+        QCOMPARE(m_simulator.value("getIntDeltaValue", {name, c}), QVariant(10));
+        QCOMPARE(m_simulator.value("setIntValue", {name, 700, c, false}), QVariant(true));
+        QCOMPARE(m_simulator.value("getIntValue", {name, c}), QVariant(700));
+        QCOMPARE(m_simulator.value("getParamIntValue", {name, c}), QVariant(700));
+        QCOMPARE(m_simulator.value("getParamFloatValue", {name, c}), QVariant(700.0));
+        QCOMPARE(m_simulator.error("setTopOfForm", {12.6, c, false}), QString());
+        QCOMPARE(m_simulator.value("getParamFloatValue", {QStringLiteral("TopOfForm"), c}),
+                 QVariant(12.6));
+        QCOMPARE(m_simulator.value("getParamIntValue", {QStringLiteral("TopOfForm"), c}),
+                 QVariant(13));
+        QCOMPARE(m_simulator.value("getPrecision", {QStringLiteral("TopOfForm")}), QVariant(2));
+        QVERIFY(!m_simulator.error("getParamFloatValue", {QStringLiteral("Model"), c}).isEmpty());
+        QVERIFY(!m_simulator.error("getMinValue", {QStringLiteral("Model")}).isEmpty());
+        QVERIFY(!m_simulator.error("getIntValue", {QStringLiteral("TopOfForm"), c}).isEmpty());
     }
 
     void keyedSettingsAreKeptPerKey()
     {
         const QString c = Simulator::masterCollection();
-        QCOMPARE(value("setReleaseTime", {QStringLiteral("Open"), 77, c, false}), QVariant(true));
-        QCOMPARE(value("getReleaseTime", {QStringLiteral("Open"), c}), QVariant(77));
-        QCOMPARE(value("getReleaseTime", {QStringLiteral("Close"), c}), QVariant(15));
-        QCOMPARE(value("setSensorState", {QStringLiteral("CoverOpen"), true, c, false}),
+        QCOMPARE(m_simulator.value("setReleaseTime", {QStringLiteral("Open"), 77, c, false}),
                  QVariant(true));
-        QCOMPARE(value("getSensorState", {QStringLiteral("CoverOpen"), c}), QVariant(true));
-        QCOMPARE(value("getSensorState", {QStringLiteral("PaperOut"), c}), QVariant(false));
-        QCOMPARE(error("setCounter", {5, 2, c}), QString());
-        QCOMPARE(value("getCounter", {2, c}), QVariant(5));
-        QCOMPARE(value("getCounter", {1, c}), QVariant(0));
+        QCOMPARE(m_simulator.value("getReleaseTime", {QStringLiteral("Open"), c}), QVariant(77));
+        QCOMPARE(m_simulator.value("getReleaseTime", {QStringLiteral("Close"), c}), QVariant(15));
+        QCOMPARE(m_simulator.value("setSensorState", {QStringLiteral("CoverOpen"), true, c, false}),
+                 QVariant(true));
+        QCOMPARE(m_simulator.value("getSensorState", {QStringLiteral("CoverOpen"), c}),
+                 QVariant(true));
+        QCOMPARE(m_simulator.value("getSensorState", {QStringLiteral("PaperOut"), c}),
+                 QVariant(false));
+        QCOMPARE(m_simulator.error("setCounter", {5, 2, c}), QString());
+        QCOMPARE(m_simulator.value("getCounter", {2, c}), QVariant(5));
+        QCOMPARE(m_simulator.value("getCounter", {1, c}), QVariant(0));
     }
 
     void aSequenceIsAppliedWhole()
@@ -205,14 +213,14 @@ private Q_SLOTS:
                                    {QStringLiteral("KeepFormat"), true},
                                    {QStringLiteral("TopOfForm"), 5}};
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(value("processSequence", {sequence}), QVariant(true));
-        QCOMPARE(value("getTabSize"), QVariant(8));
-        QCOMPARE(value("getSsid", master), QVariant("net"));
-        QCOMPARE(value("getPaperSize", master), QVariant("A4"));
-        QCOMPARE(value("getPaperWidth", master), QVariant(150.0));
-        QCOMPARE(value("getKeepFormat"), QVariant(true));
-        QCOMPARE(value("getTopOfForm", master), QVariant(5.0));
-        QCOMPARE(value("processSequence", {QVariantMap()}), QVariant(true));
+        QCOMPARE(m_simulator.value("processSequence", {sequence}), QVariant(true));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(8));
+        QCOMPARE(m_simulator.value("getSsid", master), QVariant("net"));
+        QCOMPARE(m_simulator.value("getPaperSize", master), QVariant("A4"));
+        QCOMPARE(m_simulator.value("getPaperWidth", master), QVariant(150.0));
+        QCOMPARE(m_simulator.value("getKeepFormat"), QVariant(true));
+        QCOMPARE(m_simulator.value("getTopOfForm", master), QVariant(5.0));
+        QCOMPARE(m_simulator.value("processSequence", {QVariantMap()}), QVariant(true));
     }
 
     void aSequenceIsAppliedNotAtAll_data()
@@ -240,32 +248,35 @@ private Q_SLOTS:
             {QStringLiteral("AlignLow"), 5}, {name, value}, {QStringLiteral("ZZ"), 1}};
         QVariantMap valid = sequence;
         valid.remove(QStringLiteral("ZZ"));
-        const QString message = error("processSequence", {valid});
+        const QString message = m_simulator.error("processSequence", {valid});
         QVERIFY2(message.contains(said), qPrintable(message));
-        QVERIFY(!error("processSequence", {sequence}).isEmpty());
-        QCOMPARE(this->value("getAlignLow", {Simulator::masterCollection()}), QVariant(0));
+        QVERIFY(!m_simulator.error("processSequence", {sequence}).isEmpty());
+        QCOMPARE(m_simulator.value("getAlignLow", {Simulator::masterCollection()}), QVariant(0));
     }
 
     void aCollectionIsDuplicatedAndRemoved()
     {
         const QString one = QStringLiteral("one");
         const QString two = QStringLiteral("two");
-        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(false)); // there is none
-        QCOMPARE(error("setLetterFont", {3, one, false}), QString());
-        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(true));
-        QCOMPARE(value("getLetterFont", {two}), QVariant(3));
-        QCOMPARE(error("setLetterFont", {4, two, false}), QString());
-        QCOMPARE(value("getLetterFont", {one}), QVariant(3));
-        QCOMPARE(value("duplicateCatalog", {one, two}), QVariant(false)); // there is one
-        QCOMPARE(value("getLetterFont", {two}), QVariant(4));
-        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(true));
-        QCOMPARE(value("getLetterFont", {two}), QVariant(0));
-        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(false));
-        QCOMPARE(value("removeCatalogsCollection", {QString()}), QVariant(false));
-        QCOMPARE(value("removeCatalogsCollection", {Simulator::masterCollection()}),
+        QCOMPARE(m_simulator.value("duplicateCatalog", {one, two}),
+                 QVariant(false)); // there is none
+        QCOMPARE(m_simulator.error("setLetterFont", {3, one, false}), QString());
+        QCOMPARE(m_simulator.value("duplicateCatalog", {one, two}), QVariant(true));
+        QCOMPARE(m_simulator.value("getLetterFont", {two}), QVariant(3));
+        QCOMPARE(m_simulator.error("setLetterFont", {4, two, false}), QString());
+        QCOMPARE(m_simulator.value("getLetterFont", {one}), QVariant(3));
+        QCOMPARE(m_simulator.value("duplicateCatalog", {one, two}),
+                 QVariant(false)); // there is one
+        QCOMPARE(m_simulator.value("getLetterFont", {two}), QVariant(4));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {two}), QVariant(true));
+        QCOMPARE(m_simulator.value("getLetterFont", {two}), QVariant(0));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {two}), QVariant(false));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {QString()}), QVariant(false));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {Simulator::masterCollection()}),
                  QVariant(false));
-        QCOMPARE(value("duplicateCatalog", {Simulator::masterCollection(), two}), QVariant(true));
-        QCOMPARE(value("removeCatalogsCollection", {two}), QVariant(true));
+        QCOMPARE(m_simulator.value("duplicateCatalog", {Simulator::masterCollection(), two}),
+                 QVariant(true));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {two}), QVariant(true));
     }
 
     void thePageCounterCountsWhatSeveralClientsAdd()
@@ -288,23 +299,25 @@ private Q_SLOTS:
             call.waitForFinished();
             QVERIFY(!call.isError());
         }
-        QCOMPARE(value("getCounter", {1, Simulator::masterCollection()}), QVariant(clients * each));
+        QCOMPARE(m_simulator.value("getCounter", {1, Simulator::masterCollection()}),
+                 QVariant(clients * each));
     }
 
     void aCounterThatIsFullIsAnError()
     {
         const QString master = Simulator::masterCollection();
         const int most = std::numeric_limits<int>::max();
-        QCOMPARE(error("setCounter", {most, 1, master}), QString());
-        QVERIFY(!error("incrementPageCounter", {master}).isEmpty());
-        QCOMPARE(value("getCounter", {1, master}), QVariant(most));
+        QCOMPARE(m_simulator.error("setCounter", {most, 1, master}), QString());
+        QVERIFY(!m_simulator.error("incrementPageCounter", {master}).isEmpty());
+        QCOMPARE(m_simulator.value("getCounter", {1, master}), QVariant(most));
     }
 
     void theServiceDescribesItsParameters()
     {
-        const QVariantMap map =
-            value("getTableMetadata", {QStringLiteral("settings"), QStringLiteral("TopOfForm")})
-                .toMap();
+        const QVariantMap map = m_simulator
+                                    .value("getTableMetadata", {QStringLiteral("settings"),
+                                                                QStringLiteral("TopOfForm")})
+                                    .toMap();
         QCOMPARE(map.value(QStringLiteral("type")), QVariant("d"));
         QCOMPARE(map.value(QStringLiteral("min")), QVariant(0.0));
         QCOMPARE(map.value(QStringLiteral("max")), QVariant(100.0));
@@ -312,47 +325,42 @@ private Q_SLOTS:
         QCOMPARE(map.value(QStringLiteral("unit")), QVariant("mm"));
         QCOMPARE(map.value(QStringLiteral("meaning")).toString().left(11),
                  QStringLiteral("the top of "));
-        QCOMPARE(value("getTableMetadata", {QStringLiteral("papers"), QStringLiteral("A4")})
-                     .toMap()
-                     .value(QStringLiteral("width")),
-                 QVariant(210.0));
-        QCOMPARE(error("getTableMetadata", {QStringLiteral("no"), QString()}),
+        QCOMPARE(
+            m_simulator.value("getTableMetadata", {QStringLiteral("papers"), QStringLiteral("A4")})
+                .toMap()
+                .value(QStringLiteral("width")),
+            QVariant(210.0));
+        QCOMPARE(m_simulator.error("getTableMetadata", {QStringLiteral("no"), QString()}),
                  QStringLiteral("there is no table \"no\"; there are: papers, settings"));
-        QCOMPARE(value("getProposition", {QStringLiteral("Baudrate")}),
+        QCOMPARE(m_simulator.value("getProposition", {QStringLiteral("Baudrate")}),
                  QVariant("The baud rate of the serial line"));
-        QCOMPARE(value("getValueSentence", {QStringLiteral("Baudrate")}),
+        QCOMPARE(m_simulator.value("getValueSentence", {QStringLiteral("Baudrate")}),
                  QVariant("The baud rate of the serial line: 9600"));
-        QCOMPARE(value("returnDocSettingKey", {QStringLiteral("PageNumber"), 1}), QVariant("Top"));
-        QVERIFY(!error("returnDocSettingKey", {QStringLiteral("PageNumber"), 3}).isEmpty());
-        const QVariantMap limits = value("getVolumeFineAdjustmentLimits").toMap();
-        QCOMPARE(error("setVolumeFineAdjustment",
-                       {limits.value(QStringLiteral("max")), QString(), false}),
+        QCOMPARE(m_simulator.value("returnDocSettingKey", {QStringLiteral("PageNumber"), 1}),
+                 QVariant("Top"));
+        QVERIFY(
+            !m_simulator.error("returnDocSettingKey", {QStringLiteral("PageNumber"), 3}).isEmpty());
+        const QVariantMap limits = m_simulator.value("getVolumeFineAdjustmentLimits").toMap();
+        QCOMPARE(m_simulator.error("setVolumeFineAdjustment",
+                                   {limits.value(QStringLiteral("max")), QString(), false}),
                  QString());
-        QVERIFY(!error("setVolumeFineAdjustment",
-                       {limits.value(QStringLiteral("max")).toInt() + 1, QString(), false})
+        QVERIFY(!m_simulator
+                     .error("setVolumeFineAdjustment",
+                            {limits.value(QStringLiteral("max")).toInt() + 1, QString(), false})
                      .isEmpty());
     }
 
     void theHammerBatchStringHasWhatWasSet()
     {
         const QVariantList master{Simulator::masterCollection()};
-        QCOMPARE(error("setHammerBatchParameters", QVariantList{1234} + master), QString());
-        QVERIFY(value("buildHammerBatchString")
+        QCOMPARE(m_simulator.error("setHammerBatchParameters", QVariantList{1234} + master),
+                 QString());
+        QVERIFY(m_simulator.value("buildHammerBatchString")
                     .toString()
                     .contains(QLatin1String("HammerBatchParameters=1234")));
     }
 
 private:
-    QVariant value(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.value(QString::fromLatin1(method), arguments);
-    }
-
-    QString error(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.error(QString::fromLatin1(method), arguments);
-    }
-
     PrivateBus m_bus;
     Simulator m_simulator{m_bus};
 };

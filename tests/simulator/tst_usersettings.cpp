@@ -22,41 +22,41 @@ private Q_SLOTS:
     void whatIsSavedIsLoadedAgain()
     {
         const QString other = QStringLiteral("other");
-        QCOMPARE(command("loadUserSettings"), QVariant(false)); // none are saved
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(false)); // none are saved
         set("setSsid", {QStringLiteral("mine"), m_master});
         set("setTabSize", {7});
         set("setSsid", {QStringLiteral("theirs"), other});
-        QCOMPARE(command("saveUserSettings"), QVariant(true));
+        QCOMPARE(m_simulator.value("saveUserSettings"), QVariant(true));
         set("setSsid", {QStringLiteral("changed"), m_master});
         set("setTabSize", {3});
         set("setDateFormat", {QStringLiteral("dd.MM.yyyy"), m_master, false});
-        QCOMPARE(command("removeCatalogsCollection", {other}), QVariant(true));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {other}), QVariant(true));
         // Not the user's: it stays.
         set("setSerialNo", {QStringLiteral("new"), m_master, false});
         set("setOddLowPulseTime", {555, m_master, false});
 
-        QCOMPARE(command("loadUserSettings"), QVariant(true));
-        QCOMPARE(command("getSsid", {m_master}), QVariant("mine"));
-        QCOMPARE(command("getTabSize"), QVariant(7));
-        QCOMPARE(command("getDateFormat", {m_master}), QVariant("yyyy-MM-dd"));
-        QCOMPARE(command("getSsid", {other}), QVariant("theirs"));
-        QCOMPARE(command("getSerialNo", {m_master}), QVariant("new"));
-        QCOMPARE(command("getOddLowPulseTime", {m_master}), QVariant(555));
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(true));
+        QCOMPARE(m_simulator.value("getSsid", {m_master}), QVariant("mine"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(7));
+        QCOMPARE(m_simulator.value("getDateFormat", {m_master}), QVariant("yyyy-MM-dd"));
+        QCOMPARE(m_simulator.value("getSsid", {other}), QVariant("theirs"));
+        QCOMPARE(m_simulator.value("getSerialNo", {m_master}), QVariant("new"));
+        QCOMPARE(m_simulator.value("getOddLowPulseTime", {m_master}), QVariant(555));
     }
 
     void aFlagSavesTheOneSetting()
     {
         set("setSpeechSpeed", {5, m_master, true});
         set("setLetterFont", {5, m_master, false});
-        QCOMPARE(command("loadUserSettings"), QVariant(true));
-        QCOMPARE(command("getSpeechSpeed", {m_master}), QVariant(5));
-        QCOMPARE(command("getLetterFont", {m_master}), QVariant(0));
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(true));
+        QCOMPARE(m_simulator.value("getSpeechSpeed", {m_master}), QVariant(5));
+        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(0));
     }
 
     void aFlagDoesNotSaveWhatIsNotTheUsers()
     {
         set("setOddLowPulseTime", {555, m_master, true});
-        QCOMPARE(command("loadUserSettings"), QVariant(false));
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(false));
     }
 
     void whatIsOnTheMediumIsLoadedAgain()
@@ -64,35 +64,35 @@ private Q_SLOTS:
         set("setSsid", {QStringLiteral("mine"), m_master});
         set("setUseAdjustableLinespacing", {true, m_master, false});
         set("setPaperWidth", {123.5, m_master});
-        QCOMPARE(command("saveUserSettingsUSB"), QVariant(true));
+        QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(true));
         m_simulator.start({QStringLiteral("--usb"), m_directory->path()});
-        QCOMPARE(command("getSsid", {m_master}), QVariant(QString()));
-        QCOMPARE(command("loadUserSettingsUSB"), QVariant(true));
-        QCOMPARE(command("getSsid", {m_master}), QVariant("mine"));
-        QCOMPARE(command("getUseAdjustableLinespacing", {m_master}), QVariant(true));
-        QCOMPARE(command("getPaperWidth", {m_master}), QVariant(123.5));
+        QCOMPARE(m_simulator.value("getSsid", {m_master}), QVariant(QString()));
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(true));
+        QCOMPARE(m_simulator.value("getSsid", {m_master}), QVariant("mine"));
+        QCOMPARE(m_simulator.value("getUseAdjustableLinespacing", {m_master}), QVariant(true));
+        QCOMPARE(m_simulator.value("getPaperWidth", {m_master}), QVariant(123.5));
     }
 
     void aSecretStaysInTheDevice()
     {
         set("setPassphrase", {QStringLiteral("open sesame"), m_master});
-        QCOMPARE(command("saveUserSettingsUSB"), QVariant(true));
+        QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(true));
         QVERIFY(!medium().contains("open sesame"));
         QVERIFY(!medium().contains("Passphrase"));
         set("setPassphrase", {QStringLiteral("new sesame"), m_master});
-        QCOMPARE(command("loadUserSettingsUSB"), QVariant(true));
-        QCOMPARE(command("getPassphrase", {m_master}), QVariant("new sesame"));
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(true));
+        QCOMPARE(m_simulator.value("getPassphrase", {m_master}), QVariant("new sesame"));
     }
 
     void withoutAMediumTheCommandsAnswerFalse()
     {
-        QCOMPARE(command("loadUserSettingsUSB"), QVariant(false)); // nothing on it
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(false)); // nothing on it
         QVERIFY(m_directory->remove());
-        QCOMPARE(command("saveUserSettingsUSB"), QVariant(false));
-        QCOMPARE(command("loadUserSettingsUSB"), QVariant(false));
+        QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(false));
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(false));
         m_simulator.start();
-        QCOMPARE(command("saveUserSettingsUSB"), QVariant(false));
-        QCOMPARE(command("loadUserSettingsUSB"), QVariant(false));
+        QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(false));
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(false));
     }
 
     void whatCannotBeUsedOnTheMediumChangesNothing_data()
@@ -122,10 +122,10 @@ private Q_SLOTS:
         QVERIFY(file.open(QFile::WriteOnly));
         file.write(content);
         file.close();
-        const QString error = m_simulator.error(QStringLiteral("loadUserSettingsUSB"));
+        const QString error = m_simulator.error("loadUserSettingsUSB");
         QVERIFY2(error.contains(said), qPrintable(error));
-        QCOMPARE(command("getSsid", {m_master}), QVariant("mine"));
-        QCOMPARE(command("getLetterFont", {m_master}), QVariant(0));
+        QCOMPARE(m_simulator.value("getSsid", {m_master}), QVariant("mine"));
+        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(0));
     }
 
     void aLayoutIsTakenFromAFile()
@@ -136,10 +136,10 @@ private Q_SLOTS:
         file.write(R"({"PaperSize": "A4", "TabSize": 2})");
         file.close();
         set("setLayoutFromPath", {path});
-        QCOMPARE(command("getLayoutName", {m_master}), QVariant("Letters"));
-        QCOMPARE(command("getPaperSize", {m_master}), QVariant("A4"));
-        QCOMPARE(command("getTabSize"), QVariant(2));
-        const QVariantMap layout = command("getLayoutParameters", {m_master}).toMap();
+        QCOMPARE(m_simulator.value("getLayoutName", {m_master}), QVariant("Letters"));
+        QCOMPARE(m_simulator.value("getPaperSize", {m_master}), QVariant("A4"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(2));
+        const QVariantMap layout = m_simulator.value("getLayoutParameters", {m_master}).toMap();
         QCOMPARE(layout.value(QStringLiteral("PaperSize")), QVariant("A4"));
         QVERIFY(!m_simulator
                      .error(QStringLiteral("setLayoutFromPath"), {QStringLiteral("/nonexistent")})
@@ -167,14 +167,9 @@ private Q_SLOTS:
     }
 
 private:
-    QVariant command(const char *method, const QVariantList &arguments = {}) const
-    {
-        return m_simulator.value(QString::fromLatin1(method), arguments);
-    }
-
     void set(const char *method, const QVariantList &arguments = {}) const
     {
-        QCOMPARE(m_simulator.error(QString::fromLatin1(method), arguments), QString());
+        QCOMPARE(m_simulator.error(method, arguments), QString());
     }
 
     QString mediumFile() const
