@@ -16,8 +16,7 @@ using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
 
-const QString introspectionFile =
-    QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml");
+const QString introspectionFile = QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml");
 const QString interfaceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 
 ValueType valueType(const QByteArray &name)
@@ -33,8 +32,8 @@ Operation operationOf(const QMetaMethod &method)
     operation.name = QString::fromLatin1(method.name());
     operation.result = valueType(method.typeName());
     for (int i = 0; i < method.parameterCount(); ++i) {
-        operation.parameters.append(
-            {QString::fromLatin1(method.parameterNames()[i]), valueType(method.parameterTypes()[i])});
+        operation.parameters.append({QString::fromLatin1(method.parameterNames()[i]),
+                                     valueType(method.parameterTypes()[i])});
     }
     return operation;
 }
@@ -59,16 +58,16 @@ bool readsSetting(const Operation &operation)
 
 bool writesSetting(const Operation &operation)
 {
-    return operation.isSetter() && operation.requiredParameters <= 1
-        && !operation.parameters.isEmpty();
+    return operation.isSetter() && operation.requiredParameters <= 1 &&
+           !operation.parameters.isEmpty();
 }
 
 } // namespace
 
 bool Setting::takesFlag() const
 {
-    return setter && setter->parameters.size() == 2
-        && setter->parameters[1].name == QLatin1String("flag");
+    return setter && setter->parameters.size() == 2 &&
+           setter->parameters[1].name == QLatin1String("flag");
 }
 
 Catalogue::Catalogue()
@@ -110,12 +109,12 @@ void Catalogue::readIntrospection()
         if (token == QXmlStreamReader::StartElement && xml.name() == QLatin1String("method")) {
             remoteMethod = name;
             annotations.clear();
-        } else if (token == QXmlStreamReader::StartElement
-                   && xml.name() == QLatin1String("annotation")) {
+        } else if (token == QXmlStreamReader::StartElement &&
+                   xml.name() == QLatin1String("annotation")) {
             annotations.insert(name, xml.attributes().value(QLatin1String("value")).toString());
-        } else if (token == QXmlStreamReader::EndElement
-                   && xml.name() == QLatin1String("method")) {
-            const QString signature = annotations.value(interfaceName + QStringLiteral(".Operation"));
+        } else if (token == QXmlStreamReader::EndElement && xml.name() == QLatin1String("method")) {
+            const QString signature =
+                annotations.value(interfaceName + QStringLiteral(".Operation"));
             Operation *operation = bySignature.value(
                 QMetaObject::normalizedSignature(signature.toLatin1().constData()));
             if (!operation)
@@ -156,9 +155,9 @@ QVector<const Operation *> Catalogue::operationsNamed(const QString &name) const
     const QByteArray signature = QMetaObject::normalizedSignature(name.toLatin1().constData());
     QVector<const Operation *> found;
     for (const Operation &operation : m_operations) {
-        const bool hasSignature =
-            std::any_of(operation.forms.begin(), operation.forms.end(),
-                        [&](const QMetaMethod &form) { return form.methodSignature() == signature; });
+        const bool hasSignature = std::any_of(
+            operation.forms.begin(), operation.forms.end(),
+            [&](const QMetaMethod &form) { return form.methodSignature() == signature; });
         if (operation.name == name || hasSignature)
             found.append(&operation);
     }
@@ -176,9 +175,11 @@ QStringList Catalogue::operationNames() const
 
 const Setting *Catalogue::setting(const QString &name) const
 {
-    const auto found = std::find_if(m_settings.begin(), m_settings.end(),
-                                    [&](const Setting &setting) { return setting.name == name; });
-    return found == m_settings.end() ? nullptr : &*found;
+    for (const Setting &setting : m_settings) {
+        if (setting.name == name)
+            return &setting;
+    }
+    return nullptr;
 }
 
 QStringList Catalogue::readableSettings() const

@@ -58,13 +58,16 @@ struct Command
     int minArguments = 0;
     int maxArguments = 0;
     Completion completion = Completion::None;
-    /// How many of the arguments, from the first one, are completed so.
-    int completedArguments = AnyNumber;
+    /// Whether only the first argument is completed so.
+    bool completesFirstOnly = false;
     QVector<Option> options;
     QString summary;
     /// Paragraphs.
     QStringList description;
     ExitStatus (*run)(const Request &request) = nullptr;
+
+    /// How many of the arguments, from the first one, are completed.
+    int completedArguments() const { return completesFirstOnly ? 1 : maxArguments; }
 };
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "Failure.h"
 #include "Suggestion.h"
+#include "documentation/Documentation.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QRegularExpression>
@@ -94,16 +95,13 @@ void checkOptions(const QStringList &given, const Command &command)
 // The arguments are not repeated: one of them may be a secret.
 void checkArguments(const QStringList &given, const Command &command)
 {
-    if (given.size() >= command.minArguments && given.size() <= command.maxArguments)
-        return;
-    const QString expected = command.arguments.isEmpty() ? QStringLiteral("no arguments")
-                                                         : command.arguments;
-    throwUsage(QStringLiteral("%1 takes %2, not %3 arguments")
-                   .arg(command.name, expected, QString::number(given.size())));
+    if (given.size() < command.minArguments)
+        throwUsage(QStringLiteral("too few arguments; it is %1").arg(synopsis(command)));
+    if (given.size() > command.maxArguments)
+        throwUsage(QStringLiteral("too many arguments; it is %1").arg(synopsis(command)));
 }
 
-void parse(QCommandLineParser *parser, const QStringList &arguments,
-           const QVector<Option> &options)
+void parse(QCommandLineParser *parser, const QStringList &arguments, const QVector<Option> &options)
 {
     for (const Option &option : options)
         parser->addOption({namesOf(option), option.description, option.valueName});
@@ -111,11 +109,13 @@ void parse(QCommandLineParser *parser, const QStringList &arguments,
 
     if (parser->parse(arguments))
         return;
-    const QStringList unknown = parser->unknownOptionNames();
-    if (unknown.isEmpty())
+    if (parser->unknownOptionNames().isEmpty())
         throwUsage(parser->errorText());
-    throwUsage(QStringLiteral("there is no option '%1'%2")
-                   .arg(dashed(unknown.first()), didYouMean(unknown.first(), namesOf(options))));
+    const QString unknown = dashed(parser->unknownOptionNames().constFirst());
+    QStringList known = namesOf(options);
+    std::transform(known.begin(), known.end(), known.begin(), dashed);
+    throwUsage(
+        QStringLiteral("there is no option '%1'%2").arg(unknown, didYouMean(unknown, known)));
 }
 
 } // namespace

@@ -2,9 +2,12 @@
 
 #include "Configuration.h"
 
+#include "Catalogue.h"
 #include "Failure.h"
+#include "Output.h"
 #include "ProgressBar.h"
 #include "Secret.h"
+#include "Session.h"
 #include "Value.h"
 
 #include <QtCore/QFile>
@@ -26,16 +29,22 @@ bool canBeRestored(const Setting &setting)
     return setting.getter && setting.setter;
 }
 
+bool isStandardInput(const QString &name)
+{
+    return name == QLatin1String("-");
+}
+
 [[noreturn]] void throwBadFile(const QString &name, const QString &reason)
 {
-    throw Failure(ExitStatus::Usage, QStringLiteral("%1: %2").arg(name, reason));
+    const QString file = isStandardInput(name) ? QStringLiteral("standard input") : name;
+    throw Failure(ExitStatus::Usage, about(file, reason));
 }
 
 QByteArray contents(const QString &name)
 {
     QFile file(name);
-    const bool isOpen = name == QLatin1String("-") ? file.open(stdin, QFile::ReadOnly)
-                                                   : file.open(QFile::ReadOnly);
+    const bool isOpen =
+        isStandardInput(name) ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
     if (!isOpen)
         throwBadFile(name, file.errorString());
     return file.readAll();
@@ -65,19 +74,30 @@ QStringList secretSettings(const Catalogue &catalogue)
     return names;
 }
 
-Configuration readConfiguration(Session &session, const Catalogue &catalogue, bool showsProgress)
+Configuration readConfiguration(const Request &request, const std::optional<QString> &collection)
 {
+    Session session(collection);
+    session.requireConnection();
     Configuration configuration;
-    ProgressBar progress(catalogue.settings().size(), showsProgress);
-    for (const Setting &setting : catalogue.settings()) {
-        progress.step();
-        if (!canBeRestored(setting) || isSecret(setting.name))
-            continue;
-        const Reply reply = session.call(*setting.getter);
-        if (reply.error)
-            configuration.unreadable.insert(setting.name, *reply.error);
-        else
+    QStringList failures;
+    {
+        const QVector<Setting> &settings = request.catalogue.settings();
+        ProgressBar progress(settings.size(), request.output.showsProgress());
+        for (const Setting &setting : settings) {
+            progress.step();
+            if (!canBeRestored(setting) || isSecret(setting.name))
+                continue;
+            const Reply reply = session.call(*setting.getter);
+            if (reply.error) {
+                failures.append(about(setting.name, *reply.error));
+                continue;
+            }
             configuration.values.insert(setting.name, toJson(reply.value, setting.getter->result));
+        }
+    }
+    for (const QString &failure : std::as_const(failures)) {
+        request.output.error(failure);
+        configuration.status = ExitStatus::Failed;
     }
     return configuration;
 }
@@ -105,8 +125,8 @@ Configuration configurationFromFile(const QString &name, const Catalogue &catalo
     Configuration configuration;
     const QJsonObject values = document.object().value(settingsKey).toObject();
     for (auto value = values.begin(); value != values.end(); ++value) {
-        configuration.values.insert(
-            value.key(), normalized(value.value(), catalogue.setting(value.key())));
+        configuration.values.insert(value.key(),
+                                    normalized(value.value(), catalogue.setting(value.key())));
     }
     return configuration;
 }

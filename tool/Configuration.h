@@ -3,23 +3,24 @@
 #ifndef TOOL_CONFIGURATION_H
 #define TOOL_CONFIGURATION_H
 
-#include "Catalogue.h"
-#include "Session.h"
+#include "Command.h"
 
 #include <QtCore/QJsonObject>
-#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <optional>
 
 /// The values of the settings that can be both read and written, but for the secret ones.
 struct Configuration
 {
     QJsonObject values;
-    /// What the service does not tell, with its reason.
-    QMap<QString, QString> unreadable;
+    /// Failed if the service has not told all of them.
+    ExitStatus status = ExitStatus::Done;
 };
 
-Configuration readConfiguration(Session &session, const Catalogue &catalogue, bool showsProgress);
+/// Asks the service, with a progress bar, and tells on standard error what it does not answer.
+Configuration readConfiguration(const Request &request, const std::optional<QString> &collection);
 
 /// The settings that a configuration leaves out because they are secret.
 QStringList secretSettings(const Catalogue &catalogue);

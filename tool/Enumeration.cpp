@@ -14,9 +14,7 @@ QMetaEnum enumerator(const QString &name)
 
 } // namespace
 
-Enumeration::Enumeration(const QString &name) : m_enum(enumerator(name))
-{
-}
+Enumeration::Enumeration(const QString &name) : m_enum(enumerator(name)) {}
 
 QStringList Enumeration::keys() const
 {

@@ -6,6 +6,7 @@
 #include <QtCore/QString>
 
 #include <exception>
+#include <utility>
 
 /// The exit status of the program.
 enum class ExitStatus {
@@ -19,7 +20,7 @@ enum class ExitStatus {
 class Failure : public std::exception
 {
 public:
-    Failure(ExitStatus status, const QString &message) : m_status(status), m_message(message) {}
+    Failure(ExitStatus status, QString message) : m_status(status), m_message(std::move(message)) {}
 
     ExitStatus status() const { return m_status; }
     const QString &message() const { return m_message; }
@@ -29,5 +30,12 @@ private:
     ExitStatus m_status;
     QString m_message;
 };
+
+/// A message about something, whose name the message itself may begin with.
+inline QString about(const QString &name, const QString &message)
+{
+    const QString prefix = name + QStringLiteral(": ");
+    return message.startsWith(prefix) ? message : prefix + message;
+}
 
 #endif

@@ -52,13 +52,13 @@ bool Operation::isSetter() const
 
 QString Operation::settingName() const
 {
-    return isGetter() ? name.mid(getterPrefix.size())
-        : isSetter()  ? name.mid(setterPrefix.size())
-                      : QString();
+    return isGetter()   ? name.mid(getterPrefix.size())
+           : isSetter() ? name.mid(setterPrefix.size())
+                        : QString();
 }
 
 bool Operation::isQuery() const
 {
-    return isGetter() || name.startsWith(QLatin1String("is"))
-        || name.startsWith(QLatin1String("has"));
+    return isGetter() || name.startsWith(QLatin1String("is")) ||
+           name.startsWith(QLatin1String("has"));
 }

@@ -23,7 +23,12 @@ void write(FILE *file, const QString &text)
 {
     QTextStream stream(file);
     stream.setCodec("UTF-8");
-    stream << text << '\n';
+    stream << text;
+}
+
+void writeLine(FILE *file, const QString &line)
+{
+    write(file, line + QLatin1Char('\n'));
 }
 
 /// The text without what would move the cursor, break a row, or make the terminal do worse.
@@ -53,8 +58,8 @@ QVector<QStringList> entries(const QJsonObject &object)
 
 bool isListOfObjects(const QJsonArray &array)
 {
-    return !array.isEmpty()
-        && std::all_of(array.begin(), array.end(),
+    return !array.isEmpty() &&
+           std::all_of(array.begin(), array.end(),
                        [](const QJsonValue &element) { return element.isObject(); });
 }
 
@@ -93,8 +98,8 @@ QByteArray document(const QJsonValue &value, QJsonDocument::JsonFormat format)
 Output::Output(const OutputOptions &options)
     : m_options(options), m_isTerminal(isatty(STDOUT_FILENO))
 {
-    m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR")
-        && qgetenv("TERM") != "dumb";
+    m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR") &&
+                      qgetenv("TERM") != "dumb";
 }
 
 bool Output::showsProgress() const
@@ -109,17 +114,23 @@ QString Output::styled(const QString &text, const QString &style) const
     return QStringLiteral("\x1b[%1m%2\x1b[0m").arg(style, text);
 }
 
-void Output::line(const QString &text)
+void Output::text(const QString &text) const
 {
-    write(stdout, m_isTerminal ? printable(text) : text);
+    write(stdout, text);
 }
 
-void Output::heading(const QString &text)
+void Output::line(const QString &text) const
 {
-    write(stdout, styled(text, boldCyan));
+    writeLine(stdout, m_isTerminal ? printable(text) : text);
 }
 
-void Output::row(const QStringList &cells, const QVector<int> &widths, const QString &firstStyle)
+void Output::heading(const QString &text) const
+{
+    writeLine(stdout, styled(text, boldCyan));
+}
+
+void Output::row(const QStringList &cells, const QVector<int> &widths,
+                 const QString &firstStyle) const
 {
     QString line;
     for (int i = 0; i < cells.size(); ++i) {
@@ -131,10 +142,10 @@ void Output::row(const QStringList &cells, const QVector<int> &widths, const QSt
         else if (!isLast)
             line += QLatin1Char('\t');
     }
-    write(stdout, line);
+    writeLine(stdout, line);
 }
 
-void Output::table(const QVector<QStringList> &rows, const QStringList &header)
+void Output::table(const QVector<QStringList> &rows, const QStringList &header) const
 {
     QVector<int> widths;
     for (const QStringList &cells : QVector<QStringList>{header} + rows) {
@@ -148,7 +159,7 @@ void Output::table(const QVector<QStringList> &rows, const QStringList &header)
         row(cells, widths, bold);
 }
 
-void Output::value(const QJsonValue &value)
+void Output::value(const QJsonValue &value) const
 {
     if (value.isObject()) {
         table(entries(value.toObject()));
@@ -160,23 +171,23 @@ void Output::value(const QJsonValue &value)
     }
 }
 
-void Output::json(const QJsonValue &value)
+void Output::json(const QJsonValue &value) const
 {
-    write(stdout, QString::fromUtf8(document(value, QJsonDocument::Indented)));
+    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Indented)));
 }
 
-void Output::jsonLine(const QJsonValue &value)
+void Output::jsonLine(const QJsonValue &value) const
 {
-    write(stdout, QString::fromUtf8(document(value, QJsonDocument::Compact)));
+    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Compact)));
 }
 
-void Output::note(const QString &text)
+void Output::note(const QString &text) const
 {
     if (!m_options.quiet)
-        write(stderr, QStringLiteral("embosserctl: ") + printable(text));
+        writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
 }
 
-void Output::error(const QString &text)
+void Output::error(const QString &text) const
 {
-    write(stderr, QStringLiteral("embosserctl: ") + printable(text));
+    writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
 }

@@ -30,22 +30,24 @@ public:
     /// Whether a progress bar is of use.
     bool showsProgress() const;
 
-    void line(const QString &text);
-    void heading(const QString &text);
-    void table(const QVector<QStringList> &rows, const QStringList &header = {});
+    /// Text that has its own lines.
+    void text(const QString &text) const;
+    void line(const QString &text) const;
+    void heading(const QString &text) const;
+    void table(const QVector<QStringList> &rows, const QStringList &header = {}) const;
     /// An object as rows, an array of objects as a table, anything else as a line.
-    void value(const QJsonValue &value);
-    void json(const QJsonValue &value);
+    void value(const QJsonValue &value) const;
+    void json(const QJsonValue &value) const;
     /// JSON without line breaks, for a stream of values.
-    void jsonLine(const QJsonValue &value);
+    void jsonLine(const QJsonValue &value) const;
 
     /// Something good to know, unless the user wants quiet.
-    void note(const QString &text);
-    void error(const QString &text);
+    void note(const QString &text) const;
+    void error(const QString &text) const;
 
 private:
     QString styled(const QString &text, const QString &style) const;
-    void row(const QStringList &cells, const QVector<int> &widths, const QString &firstStyle);
+    void row(const QStringList &cells, const QVector<int> &widths, const QString &firstStyle) const;
 
     OutputOptions m_options;
     bool m_isTerminal;

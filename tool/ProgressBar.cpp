@@ -18,9 +18,7 @@ void redraw(const QString &text)
 
 } // namespace
 
-ProgressBar::ProgressBar(int steps, bool isShown) : m_steps(steps), m_isShown(isShown)
-{
-}
+ProgressBar::ProgressBar(int steps, bool isShown) : m_steps(steps), m_isShown(isShown) {}
 
 ProgressBar::~ProgressBar()
 {

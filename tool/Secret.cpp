@@ -10,9 +10,9 @@
 #include <QtCore/QTextStream>
 
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 #include <termios.h>
 #include <unistd.h>
 
@@ -25,8 +25,8 @@ void catchSignal(int number)
     caughtSignal = number;
 }
 
-/// A terminal that does not show what is typed. A signal that would end the process meanwhile ends
-/// it only after the echo is back.
+/// A terminal that does not show what is typed. The process cannot be stopped meanwhile, and ends
+/// by a signal only after the echo is back.
 class EchoOff
 {
 public:
@@ -40,6 +40,7 @@ public:
         tcgetattr(m_terminal, &m_attributes);
         termios silent = m_attributes;
         silent.c_lflag &= ~tcflag_t(ECHO);
+        silent.c_cc[VSUSP] = _POSIX_VDISABLE;
         tcsetattr(m_terminal, TCSAFLUSH, &silent);
     }
 
@@ -49,54 +50,59 @@ public:
         for (size_t i = 0; i < signals.size(); ++i)
             sigaction(signals[i], &m_actions[i], nullptr);
         if (caughtSignal)
-            raise(caughtSignal);
+            std::raise(caughtSignal);
     }
 
     Q_DISABLE_COPY(EchoOff)
 
 private:
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
     int m_terminal;
     termios m_attributes = {};
     std::array<struct sigaction, signals.size()> m_actions = {};
 };
 
-/// Reads to the end of the line, or to a signal.
-QByteArray readLine(int file)
+/// Reads a line; nothing if there is none, as after Ctrl-D, or a signal has come.
+std::optional<QByteArray> readLine(int file)
 {
     QByteArray line;
     char character = 0;
-    while (read(file, &character, 1) == 1 && character != '\n')
+    while (read(file, &character, 1) == 1) {
+        if (character == '\n')
+            return line;
         line.append(character);
-    return line;
+    }
+    return std::nullopt;
 }
 
 QByteArray promptForSecret(const QString &name)
 {
     QTextStream prompt(stderr);
     prompt << name << ": " << Qt::flush;
-    const QByteArray line = [] {
+    const std::optional<QByteArray> line = [] {
         const EchoOff echoOff(STDIN_FILENO);
         return readLine(STDIN_FILENO);
     }();
     prompt << Qt::endl;
-    return line;
+    if (!line)
+        throw Failure(ExitStatus::Usage, QStringLiteral("%1 was not entered").arg(name));
+    return *line;
 }
 
 } // namespace
 
 bool isSecret(const QString &name)
 {
-    return name.contains(QLatin1String("passphrase"), Qt::CaseInsensitive)
-        || name.contains(QLatin1String("password"), Qt::CaseInsensitive);
+    return name.contains(QLatin1String("passphrase"), Qt::CaseInsensitive) ||
+           name.contains(QLatin1String("password"), Qt::CaseInsensitive);
 }
 
 QJsonValue withoutSecrets(const QJsonValue &value)
 {
     if (value.isArray()) {
         QJsonArray array;
-        for (const QJsonValue &element : value.toArray())
+        for (const auto &element : value.toArray())
             array.append(withoutSecrets(element));
         return array;
     }

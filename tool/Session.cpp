@@ -7,6 +7,7 @@
 
 #include <libconfigurationmanager/lcm.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 
@@ -46,13 +47,28 @@ QVariant invoke(QObject *object, const QMetaMethod &method, const ValueType &res
     throw Failure(ExitStatus::NotConnected, QStringLiteral("not connected: %1").arg(reason));
 }
 
-/// A message in which the service may have repeated what it was given.
-QString withoutSecrets(QString message, const QVariantList &arguments)
+/// The secrets among what the service was given.
+QStringList givenSecrets(const Operation &operation, const QVariantList &arguments)
 {
+    QStringList secrets;
     for (const QVariant &argument : arguments) {
-        if (argument.type() == QVariant::String && !argument.toString().isEmpty())
-            message.replace(argument.toString(), QStringLiteral("(not shown)"));
+        if (isSecret(operation.name))
+            secrets.append(argument.toString());
+        const QVariantMap map = argument.toMap();
+        for (auto entry = map.begin(); entry != map.end(); ++entry) {
+            if (isSecret(entry.key()))
+                secrets.append(entry.value().toString());
+        }
     }
+    secrets.removeAll(QString());
+    return secrets;
+}
+
+/// The service's message, in which it may have repeated what it was given.
+QString withoutTexts(QString message, const QStringList &texts)
+{
+    for (const QString &text : texts)
+        message.replace(text, QStringLiteral("(not shown)"));
     return message;
 }
 
@@ -66,25 +82,30 @@ Session::Session(const std::optional<QString> &collection)
         setCollection(*collection);
 }
 
-void Session::requireConnection() const
+void Session::requireBus() const
 {
     const QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.isConnected())
         throwNotConnected(QStringLiteral("no system bus: %1").arg(bus.lastError().message()));
+}
+
+void Session::requireConnection() const
+{
+    requireBus();
     if (!m_library.isConnected())
         throwNotConnected(QStringLiteral("the configuration service is not on the system bus"));
 }
 
 Reply Session::call(const Operation &operation, const QVariantList &arguments)
 {
+    // The library learns from the event loop that the service has left.
+    QCoreApplication::processEvents();
     Reply reply;
-    reply.value =
-        invoke(&m_library, operation.form(arguments.size()), operation.result, arguments);
+    reply.value = invoke(&m_library, operation.form(arguments.size()), operation.result, arguments);
     if (const auto failure = m_log.takeFailure()) {
         if (failure->notConnected)
             throwNotConnected(QStringLiteral("the configuration service has left the system bus"));
-        reply.error = isSecret(operation.name) ? withoutSecrets(failure->message, arguments)
-                                               : failure->message;
+        reply.error = withoutTexts(failure->message, givenSecrets(operation, arguments));
     }
     return reply;
 }

@@ -29,7 +29,8 @@ public:
 
     libconfigurationmanager::detail::ConfigurationManager &library() { return m_library; }
 
-    /// Throws a Failure that says why, unless the service can be called.
+    // These throw a Failure that says what is missing.
+    void requireBus() const;
     void requireConnection() const;
 
     void setCollection(const QString &id) { m_library.setCatalogsCollectionId(id); }

@@ -2,6 +2,7 @@
 
 #include "Suggestion.h"
 
+#include <QtCore/QMap>
 #include <QtCore/QVector>
 
 #include <algorithm>
@@ -30,29 +31,28 @@ int editDistance(const QString &from, const QString &to)
     return previous.last();
 }
 
+const int maxSuggestions = 3;
+
+/// The names at the smallest distance, if it is one of a slip of the pen.
+QStringList misspelt(const QString &given, const QStringList &known)
+{
+    QMap<int, QStringList> byDistance;
+    for (const QString &name : known)
+        byDistance[editDistance(given.toLower(), name.toLower())].append(name);
+    if (byDistance.isEmpty() || byDistance.firstKey() > std::max(1, given.size() / 3))
+        return {};
+    return byDistance.first();
+}
+
 } // namespace
 
 QString didYouMean(const QString &given, const QStringList &known)
 {
-    const int maxDistance = std::max(1, given.size() / 3);
-    const int maxSuggestions = 3;
-
-    QVector<std::pair<int, QString>> similar;
-    for (const QString &name : known) {
-        const int distance = editDistance(given.toLower(), name.toLower());
-        if (distance <= maxDistance)
-            similar.append({distance, name});
-    }
-    std::stable_sort(similar.begin(), similar.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
-
-    QStringList quoted;
-    for (const auto &[distance, name] : std::as_const(similar)) {
-        const bool asGood = distance <= similar.first().first + 1;
-        if (asGood && quoted.size() < maxSuggestions)
-            quoted.append(QStringLiteral("'%1'").arg(name));
-    }
-    if (quoted.isEmpty())
-        return QString();
-    return QStringLiteral("; did you mean %1?").arg(quoted.join(QStringLiteral(" or ")));
+    QStringList similar = misspelt(given, known);
+    if (similar.isEmpty())
+        similar = known.filter(given, Qt::CaseInsensitive);
+    if (similar.isEmpty())
+        return {};
+    const QStringList best = similar.mid(0, maxSuggestions);
+    return QStringLiteral("; did you mean '%1'?").arg(best.join(QStringLiteral("' or '")));
 }

@@ -32,9 +32,8 @@ int intFromText(const QString &text, const Enumeration &enumeration)
     if (isNumber)
         return number;
     const QStringList scoped = text.split(QStringLiteral("::"));
-    const std::optional<int> value = scoped.size() == 2
-        ? Enumeration(scoped[0]).value(scoped[1])
-        : enumeration.value(text);
+    const std::optional<int> value =
+        scoped.size() == 2 ? Enumeration(scoped[0]).value(scoped[1]) : enumeration.value(text);
     if (value)
         return *value;
     if (!enumeration.isValid())
@@ -65,8 +64,8 @@ bool boolFromText(const QString &text)
 QVariant mapEntry(const QJsonValue &value)
 {
     const double number = value.toDouble();
-    const bool isInt = value.isDouble() && std::trunc(number) == number
-        && std::abs(number) <= std::numeric_limits<int>::max();
+    const bool isInt = value.isDouble() && std::trunc(number) == number &&
+                       std::abs(number) <= std::numeric_limits<int>::max();
     return isInt ? QVariant(value.toInt()) : value.toVariant();
 }
 

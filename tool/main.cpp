@@ -8,34 +8,36 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTextCodec>
-#include <QtCore/QTextStream>
+
+#include <cstdio>
 
 namespace {
-
-void print(const QString &text)
-{
-    QTextStream stream(stdout);
-    stream.setCodec("UTF-8");
-    stream << text;
-}
 
 ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output &output)
 {
     const Catalogue catalogue;
     if (!line.generate.isEmpty()) {
-        print(documentation(line.generate, commands, catalogue));
+        output.text(documentation(line.generate, commands, catalogue));
         return ExitStatus::Done;
     }
     if (line.version) {
-        print(QStringLiteral("embosserctl %1\n").arg(QCoreApplication::applicationVersion()));
+        output.text(QStringLiteral("embosserctl %1\n").arg(QCoreApplication::applicationVersion()));
         return ExitStatus::Done;
     }
     if (line.help) {
-        print(line.command ? commandHelp(*line.command) : programHelp(commands));
+        output.text(line.command ? commandHelp(*line.command) : programHelp(commands));
         return ExitStatus::Done;
     }
-    return line.command->run(
-        {line.arguments, line.options, line.collection, output, catalogue});
+    return line.command->run({line.arguments, line.options, line.collection, output, catalogue});
+}
+
+/// What a full disk has swallowed must not pass for done.
+ExitStatus flushed(ExitStatus status, const Output &output)
+{
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return status;
+    output.error(QStringLiteral("the output could not be written"));
+    return ExitStatus::Failed;
 }
 
 } // namespace
@@ -49,15 +51,20 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(EMBOSSERCTL_VERSION));
 
     const QVector<Command> commands = allCommands();
+    Output output({});
+    CommandLine line;
     try {
-        const CommandLine line = parseCommandLine(QCoreApplication::arguments(), commands);
-        Output output(line.output);
-        return int(run(line, commands, output));
+        line = parseCommandLine(QCoreApplication::arguments(), commands);
     } catch (const Failure &failure) {
-        Output output({});
         output.error(failure.message());
-        if (failure.status() == ExitStatus::Usage)
-            output.note(QStringLiteral("see 'embosserctl --help'"));
+        output.note(QStringLiteral("see 'embosserctl --help'"));
+        return int(failure.status());
+    }
+    output = Output(line.output);
+    try {
+        return int(flushed(run(line, commands, output), output));
+    } catch (const Failure &failure) {
+        output.error(failure.message());
         return int(failure.status());
     }
 }

@@ -10,6 +10,8 @@
 
 #include <QtCore/QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 QVariantList argumentsFor(const Operation &operation, const QStringList &texts)
@@ -20,8 +22,7 @@ QVariantList argumentsFor(const Operation &operation, const QStringList &texts)
         try {
             arguments.append(argumentFromText(texts[i], parameter.type));
         } catch (const Failure &failure) {
-            throw Failure(failure.status(),
-                          QStringLiteral("%1: %2").arg(parameter.name, failure.message()));
+            throw Failure(failure.status(), about(parameter.name, failure.message()));
         }
     }
     return arguments;
@@ -37,6 +38,13 @@ void print(Output &output, const Operation &operation, const QJsonValue &result)
     }
 }
 
+/// Whether the operation, or what it is asked about, is a secret.
+bool tellsSecret(const Operation &operation, const QStringList &texts)
+{
+    return operation.hasResult() &&
+           (isSecret(operation.name) || std::any_of(texts.begin(), texts.end(), isSecret));
+}
+
 ExitStatus run(const Request &request)
 {
     const QStringList texts = request.arguments.mid(1);
@@ -48,19 +56,18 @@ ExitStatus run(const Request &request)
     session.requireConnection();
     const Reply reply = session.call(operation, arguments);
     if (reply.error) {
-        throw Failure(ExitStatus::Failed,
-                      QStringLiteral("%1: %2").arg(operation.name, *reply.error));
+        throw Failure(ExitStatus::Failed, about(operation.name, *reply.error));
     }
-    if (isSecret(operation.name) && operation.hasResult()) {
+    if (tellsSecret(operation, texts)) {
         request.output.note(QStringLiteral("a secret is shown by the command get only"));
         print(request.output, operation, QJsonValue());
         return ExitStatus::Done;
     }
     print(request.output, operation, withoutSecrets(toJson(reply.value, operation.result)));
-    const bool refused = reply.value == QVariant(false) && !operation.isQuery();
-    if (refused) {
+    const bool isOutcome = operation.result.name == QLatin1String("bool") && !operation.isQuery();
+    if (isOutcome && !reply.value.toBool()) {
         throw Failure(ExitStatus::Failed,
-                      QStringLiteral("%1: the service did not do it").arg(operation.name));
+                      about(operation.name, QStringLiteral("the service did not do it")));
     }
     return ExitStatus::Done;
 }
@@ -75,7 +82,7 @@ Command callCommand()
     command.minArguments = 1;
     command.maxArguments = Command::AnyNumber;
     command.completion = Completion::Operation;
-    command.completedArguments = 1;
+    command.completesFirstOnly = true;
     command.summary = QStringLiteral("call an operation");
     command.description = QStringList{
         QStringLiteral("Calls an operation and prints its result, if it has one. The number of "

@@ -24,8 +24,8 @@ Command monitorCommand();
 /// All subcommands, in the order in which they are told.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(), listCommand(),   describeCommand(), getCommand(),  setCommand(),
-            callCommand(),   valuesCommand(), paperCommand(),    reportCommand(), dumpCommand(),
+    return {statusCommand(), listCommand(),    describeCommand(), getCommand(),    setCommand(),
+            callCommand(),   valuesCommand(),  paperCommand(),    reportCommand(), dumpCommand(),
             diffCommand(),   restoreCommand(), monitorCommand()};
 }
 

@@ -45,11 +45,11 @@ void print(Output &output, const Operation &operation)
     Enumeration enumeration = operation.result.enumeration;
     for (int i = 0; i < operation.parameters.size(); ++i) {
         const Parameter &parameter = operation.parameters[i];
-        const QString optional = i < operation.requiredParameters ? QString()
-                                                                  : QStringLiteral(" (optional)");
-        rows.append({QStringLiteral("Parameter"),
-                     QStringLiteral("%1: %2%3").arg(parameter.name, typeText(parameter.type),
-                                                    optional)});
+        const QString optional =
+            i < operation.requiredParameters ? QString() : QStringLiteral(" (optional)");
+        rows.append(
+            {QStringLiteral("Parameter"),
+             QStringLiteral("%1: %2%3").arg(parameter.name, typeText(parameter.type), optional)});
         if (parameter.type.enumeration.isValid())
             enumeration = parameter.type.enumeration;
     }

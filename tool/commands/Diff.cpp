@@ -13,19 +13,12 @@ namespace {
 const QString live = QStringLiteral("live");
 const QString collectionPrefix = QStringLiteral("collection:");
 
-Configuration readFrom(const std::optional<QString> &collection, const Request &request)
-{
-    Session session(collection);
-    session.requireConnection();
-    return readConfiguration(session, request.catalogue, request.output.showsProgress());
-}
-
 Configuration configurationOf(const QString &source, const Request &request)
 {
     if (source == live)
-        return readFrom(request.collection, request);
+        return readConfiguration(request, request.collection);
     if (source.startsWith(collectionPrefix))
-        return readFrom(source.mid(collectionPrefix.size()), request);
+        return readConfiguration(request, source.mid(collectionPrefix.size()));
     return configurationFromFile(source, request.catalogue);
 }
 
@@ -71,7 +64,7 @@ ExitStatus run(const Request &request)
     } else {
         request.output.table(rows, QStringList{QStringLiteral("Setting")} + sources);
     }
-    return ExitStatus::Done;
+    return first.status == ExitStatus::Done ? second.status : first.status;
 }
 
 } // namespace

@@ -9,15 +9,9 @@ namespace {
 
 ExitStatus run(const Request &request)
 {
-    Session session(request.collection);
-    session.requireConnection();
-    const Configuration configuration =
-        readConfiguration(session, request.catalogue, request.output.showsProgress());
+    const Configuration configuration = readConfiguration(request, request.collection);
     request.output.json(configurationToJson(configuration, request.catalogue));
-    for (auto reason = configuration.unreadable.begin(); reason != configuration.unreadable.end();
-         ++reason)
-        request.output.error(QStringLiteral("%1: %2").arg(reason.key(), reason.value()));
-    return configuration.unreadable.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
+    return configuration.status;
 }
 
 } // namespace

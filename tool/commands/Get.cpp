@@ -25,7 +25,7 @@ ExitStatus run(const Request &request)
     for (const Setting *setting : std::as_const(settings)) {
         const Reply reply = session.call(*setting->getter);
         if (reply.error) {
-            request.output.error(QStringLiteral("%1: %2").arg(setting->name, *reply.error));
+            request.output.error(about(setting->name, *reply.error));
             status = ExitStatus::Failed;
             continue;
         }

@@ -19,9 +19,9 @@ bool matches(const Operation &operation, const QString &pattern)
                                           QRegularExpression::CaseInsensitiveOption);
         return wildcard.match(operation.name).hasMatch();
     }
-    return operation.name.contains(pattern, Qt::CaseInsensitive)
-        || operation.meaning.contains(pattern, Qt::CaseInsensitive)
-        || operation.family.contains(pattern, Qt::CaseInsensitive);
+    return operation.name.contains(pattern, Qt::CaseInsensitive) ||
+           operation.meaning.contains(pattern, Qt::CaseInsensitive) ||
+           operation.family.contains(pattern, Qt::CaseInsensitive);
 }
 
 /// The families in the order in which they first occur.

@@ -50,43 +50,38 @@ private:
 
 void print(Output &output, bool isConnected)
 {
-    const QString time = QDateTime::currentDateTime().toOffsetFromUtc(
-        QDateTime::currentDateTime().offsetFromUtc()).toString(Qt::ISODateWithMs);
+    const QDateTime now = QDateTime::currentDateTime();
+    // Without this, the text would not tell the offset.
+    const QString time = now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODateWithMs);
     if (output.isJson()) {
         output.jsonLine(QJsonObject{{QStringLiteral("time"), time},
                                     {QStringLiteral("connected"), isConnected}});
     } else {
-        output.table({{time, isConnected ? QStringLiteral("connected")
-                                         : QStringLiteral("disconnected")}});
+        output.table(
+            {{time, isConnected ? QStringLiteral("connected") : QStringLiteral("disconnected")}});
     }
-}
-
-bool hasBus()
-{
-    return QDBusConnection::systemBus().isConnected();
 }
 
 ExitStatus run(const Request &request)
 {
     const QuitOnSignal quitOnSignal;
     Session session(request.collection);
-    if (!hasBus())
-        session.requireConnection();
-    ConfigurationManager &library = session.library();
-    print(request.output, library.isConnected());
+    session.requireBus();
+    // Without the bus, nothing would ever come any more.
+    QDBusConnection::systemBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                         QStringLiteral("org.freedesktop.DBus.Local"),
+                                         QStringLiteral("Disconnected"),
+                                         QCoreApplication::instance(), SLOT(quit()));
 
+    ConfigurationManager &library = session.library();
     QObject::connect(&library, &ConfigurationManager::connected,
                      [&] { print(request.output, true); });
-    QObject::connect(&library, &ConfigurationManager::disconnected, [&] {
-        print(request.output, false);
-        // Nothing can come any more.
-        if (!hasBus())
-            QCoreApplication::exit(int(ExitStatus::NotConnected));
-    });
-    const auto status = ExitStatus(QCoreApplication::exec());
-    if (status == ExitStatus::NotConnected)
-        session.requireConnection();
-    return status;
+    QObject::connect(&library, &ConfigurationManager::disconnected,
+                     [&] { print(request.output, false); });
+    print(request.output, library.isConnected());
+    QCoreApplication::exec();
+    session.requireBus();
+    return ExitStatus::Done;
 }
 
 } // namespace

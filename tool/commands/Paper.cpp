@@ -16,8 +16,8 @@ const QString currentPaperSetting = QStringLiteral("PaperSize");
 /// Whether the operation asks about a paper that is named.
 bool asksAboutPaper(const Operation &operation)
 {
-    return operation.isQuery() && operation.parameters.size() == 1
-        && operation.parameters[0].name == QLatin1String("paper");
+    return operation.isQuery() && operation.parameters.size() == 1 &&
+           operation.parameters[0].name == QLatin1String("paper");
 }
 
 QString currentPaper(Session &session, const Catalogue &catalogue)
@@ -35,6 +35,7 @@ ExitStatus run(const Request &request)
     const QString paper = request.arguments.isEmpty() ? currentPaper(session, request.catalogue)
                                                       : request.arguments[0];
     QJsonObject geometry;
+    QVector<QStringList> rows;
     for (const Operation &operation : request.catalogue.operations()) {
         if (!asksAboutPaper(operation))
             continue;
@@ -42,15 +43,17 @@ ExitStatus run(const Request &request)
         // A paper that the service does not know would fail every time.
         if (reply.error)
             throw Failure(ExitStatus::Failed, *reply.error);
-        geometry.insert(operation.settingName(), toJson(reply.value, operation.result));
+        const QJsonValue value = toJson(reply.value, operation.result);
+        geometry.insert(operation.settingName(), value);
+        rows.append({operation.settingName(), toText(value)});
     }
 
     if (request.output.isJson()) {
-        request.output.json(QJsonObject{{QStringLiteral("paper"), paper},
-                                        {QStringLiteral("geometry"), geometry}});
+        request.output.json(
+            QJsonObject{{QStringLiteral("paper"), paper}, {QStringLiteral("geometry"), geometry}});
     } else {
         request.output.heading(paper);
-        request.output.value(geometry);
+        request.output.table(rows);
     }
     return ExitStatus::Done;
 }

@@ -18,7 +18,7 @@ QJsonValue reportOf(Session &session, const Catalogue &catalogue, const QString 
     const Operation &operation = operationFor(catalogue, name, 0);
     const Reply reply = session.call(operation);
     if (reply.error)
-        throw Failure(ExitStatus::Failed, QStringLiteral("%1: %2").arg(name, *reply.error));
+        throw Failure(ExitStatus::Failed, about(name, *reply.error));
     return withoutSecrets(toJson(reply.value, operation.result));
 }
 
@@ -39,7 +39,7 @@ ExitStatus run(const Request &request)
     }
     output.heading(QStringLiteral("Embosser"));
     output.value(embosser);
-    for (const QJsonValue &element : configuration.toArray()) {
+    for (const auto &element : configuration.toArray()) {
         const QJsonObject section = element.toObject();
         output.heading(section.value(QStringLiteral("name")).toString());
         output.value(section.value(QStringLiteral("properties")));

@@ -7,12 +7,13 @@
 #include "../Output.h"
 #include "../ProgressBar.h"
 #include "../Secret.h"
+#include "../Session.h"
 #include "../Value.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -94,12 +95,14 @@ private:
     void leaveOutWhatHolds(QVector<Target> *targets)
     {
         ProgressBar progress(targets->size(), m_showsProgress);
-        const auto end = std::remove_if(targets->begin(), targets->end(), [&](const Target &target) {
+        QVector<Target> remaining;
+        for (const Target &target : std::as_const(*targets)) {
             progress.step();
-            return holds(target);
-        });
-        m_result.unchanged = int(targets->end() - end);
-        targets->erase(end, targets->end());
+            if (!holds(target))
+                remaining.append(target);
+        }
+        m_result.unchanged = targets->size() - remaining.size();
+        *targets = remaining;
     }
 
     /// Writes the targets and leaves those that the service does not hold afterwards.
@@ -137,13 +140,13 @@ void print(Output &output, const Result &result)
     QJsonObject notApplied;
     for (auto reason = result.notApplied.begin(); reason != result.notApplied.end(); ++reason) {
         notApplied.insert(reason.key(), reason.value());
-        output.error(QStringLiteral("%1: not applied: %2").arg(reason.key(), reason.value()));
+        output.error(QStringLiteral("not applied: ") + about(reason.key(), reason.value()));
     }
     if (output.isJson()) {
-        output.json(QJsonObject{
-            {QStringLiteral("applied"), QJsonArray::fromStringList(result.applied)},
-            {QStringLiteral("unchanged"), result.unchanged},
-            {QStringLiteral("notApplied"), notApplied}});
+        output.json(
+            QJsonObject{{QStringLiteral("applied"), QJsonArray::fromStringList(result.applied)},
+                        {QStringLiteral("unchanged"), result.unchanged},
+                        {QStringLiteral("notApplied"), notApplied}});
     } else {
         output.note(QStringLiteral("%1 applied, %2 unchanged, %3 not applied")
                         .arg(result.applied.size())

@@ -29,20 +29,19 @@ ExitStatus run(const Request &request)
     const bool flag = request.hasOption(flagOption);
     if (flag && !setting.takesFlag())
         throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no flag").arg(setting.name));
-    const QVariant value = argumentFromText(givenValue(request, setting),
-                                            setting.setter->parameters[0].type);
+    const QVariant value =
+        argumentFromText(givenValue(request, setting), setting.setter->parameters[0].type);
 
     Session session(request.collection);
     session.requireConnection();
     const Reply reply =
         session.call(*setting.setter, flag ? QVariantList{value, true} : QVariantList{value});
     if (reply.error) {
-        throw Failure(ExitStatus::Failed,
-                      QStringLiteral("%1: %2").arg(setting.name, *reply.error));
+        throw Failure(ExitStatus::Failed, about(setting.name, *reply.error));
     }
     if (request.output.isJson()) {
-        request.output.json(QJsonObject{{QStringLiteral("setting"), setting.name},
-                                        {QStringLiteral("flag"), flag}});
+        request.output.json(
+            QJsonObject{{QStringLiteral("setting"), setting.name}, {QStringLiteral("flag"), flag}});
     }
     return ExitStatus::Done;
 }
@@ -57,7 +56,7 @@ Command setCommand()
     command.minArguments = 1;
     command.maxArguments = 2;
     command.completion = Completion::WritableSetting;
-    command.completedArguments = 1;
+    command.completesFirstOnly = true;
     command.options = {{flagOption, {}, QStringLiteral("give the service its own flag as true")}};
     command.summary = QStringLiteral("write a setting");
     command.description = QStringList{

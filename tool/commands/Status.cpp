@@ -27,7 +27,7 @@ const QVector<Fact> &facts()
         {QStringLiteral("Model"), QStringLiteral("model"), QStringLiteral("getModel")},
         {QStringLiteral("Serial number"), QStringLiteral("serialNumber"),
          QStringLiteral("getSerialNo")},
-        {QStringLiteral("Firmware version"), QStringLiteral("firmwareVersion"),
+        {QStringLiteral("Version number"), QStringLiteral("versionNumber"),
          QStringLiteral("getVersionInt")},
         {QStringLiteral("Firmware date"), QStringLiteral("firmwareDate"),
          QStringLiteral("getFirmwareDate")},
@@ -40,15 +40,15 @@ const QVector<Fact> &facts()
 /// Whether the operation asks something about the embosser that is true or false.
 bool isCapability(const Operation &operation)
 {
-    return operation.isQuery() && !operation.isGetter() && operation.parameters.isEmpty() && operation.result.name == QLatin1String("bool");
+    return operation.isQuery() && !operation.isGetter() && operation.parameters.isEmpty() &&
+           operation.result.name == QLatin1String("bool");
 }
 
 /// Asks the service several things, and tells on standard error what it does not answer.
 class Questions
 {
 public:
-    explicit Questions(const Request &request)
-        : m_request(request), m_session(request.collection)
+    explicit Questions(const Request &request) : m_request(request), m_session(request.collection)
     {
         m_session.requireConnection();
     }
@@ -58,9 +58,9 @@ public:
         const Reply reply = m_session.call(operation);
         if (!reply.error)
             return toJson(reply.value, operation.result);
-        m_request.output.error(QStringLiteral("%1: %2").arg(operation.name, *reply.error));
+        m_request.output.error(about(operation.name, *reply.error));
         m_status = ExitStatus::Failed;
-        return QJsonValue(QJsonValue::Undefined);
+        return QJsonValue::Undefined;
     }
 
     ExitStatus status() const { return m_status; }
@@ -77,8 +77,7 @@ ExitStatus runConnected(const Request &request)
     QJsonObject status{{QStringLiteral("connected"), true}};
     QVector<QStringList> rows{{QStringLiteral("Connected"), QStringLiteral("yes")}};
     for (const Fact &fact : facts()) {
-        const QJsonValue answer =
-            questions.ask(operationFor(request.catalogue, fact.operation, 0));
+        const QJsonValue answer = questions.ask(operationFor(request.catalogue, fact.operation, 0));
         if (answer.isUndefined())
             continue;
         status.insert(fact.key, answer);

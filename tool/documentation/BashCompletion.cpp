@@ -29,8 +29,8 @@ QString branch(const Command &command, const Catalogue &catalogue)
         text += QStringLiteral("        words='%1'\n").arg(words.join(QLatin1Char(' ')));
     if (takesFiles(command.completion))
         text += QStringLiteral("        files=yes\n");
-    if (command.completedArguments != Command::AnyNumber)
-        text += QStringLiteral("        limit=%1\n").arg(command.completedArguments);
+    if (command.completedArguments() != Command::AnyNumber)
+        text += QStringLiteral("        limit=%1\n").arg(command.completedArguments());
     return text + QStringLiteral("        ;;\n");
 }
 

@@ -55,8 +55,8 @@ QString programHelp(const QVector<Command> &commands)
 {
     QVector<QStringList> rows;
     for (const Command &command : commands)
-        rows.append({(command.name + QLatin1Char(' ') + command.arguments).trimmed(),
-                     command.summary});
+        rows.append(
+            {(command.name + QLatin1Char(' ') + command.arguments).trimmed(), command.summary});
     return QStringLiteral("Usage: embosserctl COMMAND [ARGUMENT...] [OPTION...]\n\n"
                           "embosserctl %1.\n\n"
                           "Commands:\n%2\n"

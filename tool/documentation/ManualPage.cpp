@@ -68,11 +68,11 @@ QString manualPage(const QVector<Command> &commands)
 {
     QString text = QStringLiteral(".TH EMBOSSERCTL 1 \"\" \"embosserctl %1\"\n")
                        .arg(QCoreApplication::applicationVersion());
-    text += section(QStringLiteral("NAME"))
-        + QStringLiteral("embosserctl \\- %1\n").arg(roff(ProgramText::summary()));
-    text += section(QStringLiteral("SYNOPSIS"))
-        + bold(QStringLiteral("embosserctl COMMAND [ARGUMENT...] [OPTION...]"))
-        + QLatin1Char('\n');
+    text += section(QStringLiteral("NAME")) +
+            QStringLiteral("embosserctl \\- %1\n").arg(roff(ProgramText::summary()));
+    text += section(QStringLiteral("SYNOPSIS")) +
+            bold(QStringLiteral("embosserctl COMMAND [ARGUMENT...] [OPTION...]")) +
+            QLatin1Char('\n');
     text += section(QStringLiteral("DESCRIPTION")) + paragraphs(ProgramText::description());
     text += section(QStringLiteral("COMMANDS"));
     for (const Command &described : commands)

@@ -18,37 +18,49 @@ QString optionSpecification(const Option &option)
     const QString name = QStringLiteral("--") + option.name;
     const QString value =
         option.valueName.isEmpty() ? QString() : QStringLiteral(":%1:").arg(option.valueName);
-    return QStringLiteral("    '%1[%2]%3' \\\n").arg(name, quoted(option.description), value);
+    return QStringLiteral("    '%1[%2]%3'").arg(name, quoted(option.description), value);
 }
 
 /// What completes one argument, as the action of _arguments.
 QString action(Completion completion, const Catalogue &catalogue)
 {
-    const QStringList words = candidates(completion, catalogue);
-    const QString choice = QStringLiteral("(%1)").arg(words.join(QLatin1Char(' ')));
+    const QString words = candidates(completion, catalogue).join(QLatin1Char(' '));
     switch (completion) {
     case Completion::None:
         return {};
     case Completion::File:
         return QStringLiteral("_files");
     case Completion::FileOrLive:
-        return QStringLiteral("{compadd -S '' -- %1; _files}")
-            .arg(words.join(QLatin1Char(' ')));
+        return QStringLiteral("{compadd -S '' -- %1; _files}").arg(words);
     default:
-        return choice;
+        return QStringLiteral("(%1)").arg(words);
     }
+}
+
+QStringList optionSpecifications(const QVector<Option> &options)
+{
+    QStringList specifications;
+    for (const Option &option : options)
+        specifications.append(optionSpecification(option));
+    return specifications;
+}
+
+QString callOfArguments(const QStringList &specifications)
+{
+    return QStringLiteral("_arguments -C \\\n%1\n")
+        .arg(specifications.join(QStringLiteral(" \\\n")));
 }
 
 QString branch(const Command &command, const Catalogue &catalogue)
 {
-    QString text = QStringLiteral("%1)\n  _arguments \\\n").arg(command.name);
-    for (const Option &option : command.options + commonOptions())
-        text += optionSpecification(option);
-    const bool completesAll = command.completedArguments == Command::AnyNumber;
-    text += QStringLiteral("    \"%1:%2:%3\"\n  ;;\n")
-                .arg(completesAll ? QStringLiteral("*") : QStringLiteral("1"),
-                     quoted(command.arguments), action(command.completion, catalogue));
-    return text;
+    QStringList specifications = optionSpecifications(command.options + commonOptions());
+    if (!command.arguments.isEmpty()) {
+        specifications.append(
+            QStringLiteral("    \"%1:%2:%3\"")
+                .arg(command.completedArguments() == 1 ? QStringLiteral("1") : QStringLiteral("*"),
+                     quoted(command.arguments), action(command.completion, catalogue)));
+    }
+    return QStringLiteral("%1)\n  %2  ;;\n").arg(command.name, callOfArguments(specifications));
 }
 
 } // namespace
@@ -57,13 +69,13 @@ QString zshCompletion(const QVector<Command> &commands, const Catalogue &catalog
 {
     QString descriptions;
     QString branches;
-    QString options;
     for (const Command &command : commands) {
         descriptions += QStringLiteral("  '%1:%2'\n").arg(command.name, quoted(command.summary));
         branches += branch(command, catalogue);
     }
-    for (const Option &option : commonOptions())
-        options += optionSpecification(option);
+    const QStringList specifications = optionSpecifications(commonOptions()) +
+                                       QStringList{QStringLiteral("    '1:command:->command'"),
+                                                   QStringLiteral("    '*::argument:->argument'")};
     return QStringLiteral(R"(#compdef embosserctl
 
 local context state state_descr line
@@ -72,10 +84,7 @@ local -a commands
 commands=(
 %1)
 
-_arguments -C \
-%2    '1:command:->command' \
-    '*::argument:->argument'
-
+%2
 case $state in
 command)
   _describe command commands
@@ -88,5 +97,5 @@ esac
 case $words[1] in
 %3esac
 )")
-        .arg(descriptions, options, branches);
+        .arg(descriptions, callOfArguments(specifications), branches);
 }
