@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: MIT
+
+#include "PrivateBus.h"
+#include "RecordingService.h"
+#include "Shell.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtTest/QTest>
+
+#include <csignal>
+
+/// What the tool does when the service or the bus is not there, fails, or goes.
+class TestToolConnection : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { m_service.kill(); }
+
+    void saysThatItIsNotConnected_data()
+    {
+        QTest::addColumn<QString>("command");
+        for (const char *command :
+             {"status", "get PrintSpeed", "set PrintSpeed Low", "call clearLog", "values Papers",
+              "paper", "report", "dump", "diff live collection:other"})
+            QTest::newRow(command) << QString::fromLatin1(command);
+    }
+
+    void saysThatItIsNotConnected()
+    {
+        QFETCH(QString, command);
+        const Outcome withoutService = run(command);
+        QCOMPARE(withoutService.status, 3);
+        QCOMPARE(withoutService.errors,
+                 QByteArray("embosserctl: not connected: the configuration service is not on the "
+                            "system bus\n"));
+
+        const Outcome withoutBus = runWithoutBus(command);
+        QCOMPARE(withoutBus.status, 3);
+        QVERIFY(withoutBus.errors.startsWith("embosserctl: not connected: no system bus: "));
+    }
+
+    void monitorNeedsABus()
+    {
+        const Outcome outcome = runWithoutBus(QStringLiteral("monitor"));
+        QCOMPARE(outcome.status, 3);
+        QVERIFY(outcome.errors.startsWith("embosserctl: not connected: no system bus: "));
+    }
+
+    void needsNoServiceToTellAboutOperations_data()
+    {
+        QTest::addColumn<QString>("command");
+        for (const char *command :
+             {"list", "describe getModel", "--help", "set --help", "--version", "--generate man"})
+            QTest::newRow(command) << QString::fromLatin1(command);
+    }
+
+    void needsNoServiceToTellAboutOperations()
+    {
+        QFETCH(QString, command);
+        const Outcome outcome = runWithoutBus(command);
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.errors, QByteArray());
+        QVERIFY(!outcome.output.isEmpty());
+    }
+
+    void passesOnTheMessageOfTheService_data()
+    {
+        QTest::addColumn<QString>("rules");
+        QTest::newRow("as usual") << QString();
+        // The message comes by way of the log.
+        QTest::newRow("whatever is to be logged") << QStringLiteral("*=false");
+    }
+
+    void passesOnTheMessageOfTheService()
+    {
+        QFETCH(QString, rules);
+        m_service.start();
+        m_service.setAnswer(Answer::error(QStringLiteral("tests.Error"),
+                                          QStringLiteral("the \"drum\" is open\n\u00e9")));
+        const Outcome outcome = m_shell.run(
+            QStringLiteral("QT_LOGGING_RULES='%1' embosserctl get PrintSpeed").arg(rules));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(QString::fromUtf8(outcome.errors),
+                 QStringLiteral("embosserctl: PrintSpeed: the \"drum\" is open\\n\u00e9\n"));
+    }
+
+    void showsWhatCouldBeReadBesideWhatFailed()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getPrintSpeed"), Answer::value(QStringLiteral("Low")));
+        m_service.setAnswer(QStringLiteral("getRegion"),
+                            Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
+        const Outcome outcome = run(QStringLiteral("get PrintSpeed Region --json"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(QJsonDocument::fromJson(outcome.output).object(),
+                 (QJsonObject{{QStringLiteral("PrintSpeed"), QStringLiteral("Low")}}));
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: Region: no\n"));
+    }
+
+    void tellsWhatADumpLacks()
+    {
+        ChildProcess simulator(
+            QStringLiteral(SIMULATOR),
+            {QStringLiteral("--fault"), QStringLiteral("error:getRegion:2:not now")});
+        simulator.startAndReadLine();
+        const Outcome dump = run(QStringLiteral("dump"));
+        QCOMPARE(dump.status, 1);
+        QCOMPARE(dump.errors, QByteArray("embosserctl: Region: not now\n"));
+        const QJsonObject settings =
+            QJsonDocument::fromJson(dump.output).object()[QStringLiteral("settings")].toObject();
+        QVERIFY(!settings.contains(QStringLiteral("Region")));
+        QVERIFY(settings.contains(QStringLiteral("PrintSpeed")));
+
+        const Outcome diff = run(QStringLiteral("diff live collection:other"));
+        QCOMPARE(diff.status, 1);
+        QCOMPARE(diff.errors, QByteArray("embosserctl: Region: not now\n"));
+    }
+
+    void failsWhenTheOutputCannotBeWritten()
+    {
+        m_service.start();
+        const Outcome outcome = run(QStringLiteral("list > /dev/full"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
+    }
+
+    void failsWhenTheServiceEndsDuringTheCall()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("setRegion"), Answer::exit());
+        const Outcome outcome = run(QStringLiteral("set Region x"));
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(outcome.errors.startsWith("embosserctl: Region: "));
+    }
+
+    void keepsThePassphraseOutOfEveryMessage()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("setPassphrase"),
+                            Answer::error(QStringLiteral("tests.Error"),
+                                          QStringLiteral("secret words is too short")));
+        for (const char *command : {"set Passphrase 'secret words'",
+                                    "set Passphrase secret words", // the quotes are forgotten
+                                    "call setPassphrase 'secret words'"}) {
+            const Outcome outcome = run(QString::fromLatin1(command));
+            QVERIFY2(outcome.status != 0, command);
+            QVERIFY2(!outcome.errors.contains("secret"), outcome.errors.constData());
+            QVERIFY2(!outcome.errors.contains("words"), outcome.errors.constData());
+        }
+    }
+
+    void showsThePassphraseToGetOnly()
+    {
+        const QString secret = QStringLiteral("secret words");
+        const QVariantMap map{{QStringLiteral("Passphrase"), secret},
+                              {QStringLiteral("Ssid"), QStringLiteral("workshop")}};
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getPassphrase"), Answer::value(secret));
+        m_service.setAnswer(QStringLiteral("embosserInfoCmd"), Answer::value(map));
+        m_service.setAnswer(QStringLiteral("getLayoutParameters"), Answer::value(map));
+
+        QCOMPARE(run(QStringLiteral("get Passphrase")).output, QByteArray("secret words\n"));
+        for (const char *command :
+             {"call getPassphrase", "call getPassphrase --json", "call embosserInfoCmd",
+              "call getLayoutParameters --json", "report", "report --json", "dump",
+              "diff live collection:other"}) {
+            const Outcome outcome = run(QString::fromLatin1(command));
+            QVERIFY2(!(outcome.output + outcome.errors).contains("secret words"), command);
+        }
+    }
+
+    void readsThePassphraseFromStandardInput_data()
+    {
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("passphrase");
+        QTest::newRow("a line") << QStringLiteral("two words\\n") << QStringLiteral("two words");
+        QTest::newRow("no newline") << QStringLiteral("word") << QStringLiteral("word");
+        QTest::newRow("nothing") << QString() << QString();
+        QTest::newRow("all of it")
+            << QStringLiteral("one\\ntwo\\n\\n") << QStringLiteral("one\ntwo\n");
+    }
+
+    void readsThePassphraseFromStandardInput()
+    {
+        QFETCH(QString, input);
+        QFETCH(QString, passphrase);
+        m_service.start();
+        const Outcome outcome =
+            m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
+        QCOMPARE(outcome.status, 0);
+        const QVector<RecordedCall> calls = m_service.takeCalls();
+        QCOMPARE(calls.size(), 1);
+        QCOMPARE(calls[0].member, QStringLiteral("setPassphrase"));
+        QCOMPARE(calls[0].arguments[0].toString(), passphrase);
+    }
+
+    void monitorPrintsWhenTheServiceComesAndGoesUntilCtrlC_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Ctrl-C") << SIGINT;
+        QTest::newRow("a wish to terminate") << SIGTERM;
+    }
+
+    void monitorPrintsWhenTheServiceComesAndGoesUntilCtrlC()
+    {
+        QFETCH(int, signal);
+        ChildProcess monitor(QStringLiteral(EMBOSSERCTL), {QStringLiteral("monitor")});
+        QVERIFY(isStateWithTime(monitor.startAndReadLine(), QStringLiteral("disconnected")));
+        m_service.start();
+        QVERIFY(isStateWithTime(nextLine(monitor), QStringLiteral("connected")));
+        m_service.kill();
+        QVERIFY(isStateWithTime(nextLine(monitor), QStringLiteral("disconnected")));
+
+        ::kill(pid_t(monitor.processId()), signal);
+        QVERIFY(monitor.waitForFinished());
+        QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(monitor.exitCode(), 0);
+        QCOMPARE(monitor.readAllStandardOutput(), QByteArray());
+    }
+
+    void monitorPrintsJsonLines()
+    {
+        m_service.start();
+        ChildProcess monitor(QStringLiteral(EMBOSSERCTL),
+                             {QStringLiteral("monitor"), QStringLiteral("--json")});
+        const QJsonObject state =
+            QJsonDocument::fromJson(monitor.startAndReadLine().toUtf8()).object();
+        QCOMPARE(state.keys(), (QStringList{QStringLiteral("connected"), QStringLiteral("time")}));
+        QCOMPARE(state.value(QStringLiteral("connected")), QJsonValue(true));
+    }
+
+    // The last one: the programs that it starts have another bus.
+    void monitorEndsWhenTheBusIsLost()
+    {
+        PrivateBus ownBus;
+        ChildProcess monitor(QStringLiteral(EMBOSSERCTL), {QStringLiteral("monitor")});
+        monitor.setProcessChannelMode(QProcess::SeparateChannels);
+        monitor.startAndReadLine();
+        ownBus.kill();
+        QVERIFY(monitor.waitForFinished());
+        QCOMPARE(monitor.exitCode(), 3);
+        QVERIFY(monitor.readAllStandardError().startsWith(
+            "embosserctl: not connected: no system bus: "));
+    }
+
+private:
+    Outcome run(const QString &arguments)
+    {
+        return m_shell.run(QStringLiteral("embosserctl ") + arguments);
+    }
+
+    Outcome runWithoutBus(const QString &arguments)
+    {
+        return m_shell.run(
+            QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent embosserctl %1")
+                .arg(arguments));
+    }
+
+    static QString nextLine(ChildProcess &process)
+    {
+        while (!process.canReadLine()) {
+            if (!process.waitForReadyRead())
+                return {};
+        }
+        return QString::fromUtf8(process.readLine()).trimmed();
+    }
+
+    static bool isStateWithTime(const QString &line, const QString &state)
+    {
+        const QStringList fields = line.split(QLatin1Char('\t'));
+        return fields.size() == 2 && fields[1] == state &&
+               QDateTime::fromString(fields[0], Qt::ISODateWithMs).isValid();
+    }
+
+    PrivateBus m_bus;
+    RecordingService m_service{m_bus};
+    Shell m_shell;
+};
+
+QTEST_GUILESS_MAIN(TestToolConnection)
+#include "tst_tool_connection.moc"

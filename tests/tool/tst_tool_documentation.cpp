@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+
+#include "Shell.h"
+#include "Terminal.h"
+
+#include <QtTest/QTest>
+
+namespace {
+
+const QString bashFile = QStringLiteral(GENERATED_DIRECTORY "/bash/embosserctl");
+const QString zshDirectory = QStringLiteral(GENERATED_DIRECTORY "/zsh");
+const QString manualPage = QStringLiteral(GENERATED_DIRECTORY "/man/embosserctl.1");
+
+} // namespace
+
+/// The manual page and the completions, as they are installed.
+class TestToolDocumentation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void manualPageIsWellFormed()
+    {
+        const Outcome outcome =
+            m_shell.run(QStringLiteral("groff -man -ww -Tutf8 -P-cbou '%1'").arg(manualPage));
+        QCOMPARE(outcome.errors, QByteArray());
+        for (const char *part : {"NAME\n", "embosserctl call OPERATION [ARGUMENT...]",
+                                 "embosserctl set NAME [VALUE] [--flag]", "--collection ID",
+                                 "EXIT STATUS", "NO_COLOR"})
+            QVERIFY2(outcome.output.contains(part), part);
+    }
+
+    void completionsAreValid()
+    {
+        const Outcome bash = m_shell.run(QStringLiteral("bash -n '%1'").arg(bashFile));
+        QCOMPARE(bash.errors, QByteArray());
+        QCOMPARE(bash.status, 0);
+        const Outcome zsh =
+            m_shell.run(QStringLiteral("zsh -n '%1/_embosserctl'").arg(zshDirectory));
+        QCOMPARE(zsh.errors, QByteArray());
+        QCOMPARE(zsh.status, 0);
+    }
+
+    void bashCompletes_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<QByteArray>("completions");
+        const auto row = [](const char *name, const char *words, const char *completions) {
+            QTest::newRow(name) << QString::fromLatin1(words) << QByteArray(completions);
+        };
+        row("commands", "embosserctl de", "describe\n");
+        row("options", "embosserctl get --qu", "--quiet\n");
+        row("own options", "embosserctl set PrintSpeed x --fl", "--flag\n");
+        row("no options of others", "embosserctl get --fl", "");
+        row("readable settings", "embosserctl get PrintSp", "PrintSpeed\n");
+        row("several settings", "embosserctl get PrintSpeed FirmwareD", "FirmwareDate\n");
+        row("writable settings", "embosserctl set KeepF", "KeepFormat\n");
+        row("nothing that cannot be written", "embosserctl set FirmwareD", "");
+        row("no value", "embosserctl set KeepFormat KeepF", "");
+        row("operations", "embosserctl call clearL", "clearLog\n");
+        row("operations to describe", "embosserctl describe getKeepF", "getKeepFormat\n");
+        row("value lists", "embosserctl values Baud", "BaudRate\n");
+        row("after options", "embosserctl --json --collection other get PrintSp", "PrintSpeed\n");
+        row("no collection", "embosserctl get --collection PrintSp", "");
+        row("files", "embosserctl restore conf", "config one.json\n");
+        row("files or the service", "embosserctl diff li", "live\n");
+    }
+
+    void bashCompletes()
+    {
+        QFETCH(QString, words);
+        QFETCH(QByteArray, completions);
+        const Outcome outcome =
+            m_shell.run(QStringLiteral("touch 'config one.json'; source '%1'; COMP_WORDS=(%2); "
+                                       "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _embosserctl; "
+                                       "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply\"; done")
+                            .arg(bashFile, words),
+                        QStringLiteral("bash"));
+        QCOMPARE(outcome.errors, QByteArray());
+        QCOMPARE(outcome.output, completions);
+    }
+
+    void zshCompletes_data()
+    {
+        QTest::addColumn<QByteArray>("typed");
+        QTest::addColumn<QByteArray>("completed");
+        QTest::newRow("commands") << QByteArray("embosserctl desc\t")
+                                  << QByteArray("<embosserctl describe >");
+        QTest::newRow("settings") << QByteArray("embosserctl get PrintSp\t")
+                                  << QByteArray("<embosserctl get PrintSpeed >");
+        QTest::newRow("several settings")
+            << QByteArray("embosserctl get PrintSpeed FirmwareD\t")
+            << QByteArray("<embosserctl get PrintSpeed FirmwareDate >");
+        QTest::newRow("own options") << QByteArray("embosserctl set KeepFormat 1 --fl\t")
+                                     << QByteArray("<embosserctl set KeepFormat 1 --flag >");
+        QTest::newRow("operations") << QByteArray("embosserctl --json call clearL\t")
+                                    << QByteArray("<embosserctl --json call clearLog >");
+        QTest::newRow("value lists") << QByteArray("embosserctl values Baud\t")
+                                     << QByteArray("<embosserctl values BaudRate >");
+    }
+
+    void zshCompletes()
+    {
+        QFETCH(QByteArray, typed);
+        QFETCH(QByteArray, completed);
+        Terminal terminal(QStringLiteral("zsh"), {QStringLiteral("-f"), QStringLiteral("-i")});
+        terminal.type("fpath=('" + zshDirectory.toUtf8() +
+                      "' $fpath); autoload -U compinit; "
+                      "compinit -u -D; PS1=; show() { print -r -- \"<$BUFFER>\" }; zle -N show; "
+                      "bindkey '^X' show; print re''ady\n");
+        QVERIFY(terminal.shows("ready"));
+        terminal.type(typed + "\x18");
+        QVERIFY(terminal.shows(completed));
+    }
+
+private:
+    Shell m_shell;
+};
+
+QTEST_GUILESS_MAIN(TestToolDocumentation)
+#include "tst_tool_documentation.moc"

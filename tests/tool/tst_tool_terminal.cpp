@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+
+#include "PrivateBus.h"
+#include "RecordingService.h"
+#include "Terminal.h"
+
+#include <QtTest/QTest>
+
+namespace {
+
+const QByteArray escape = "\x1b";
+const QByteArray controlC = "\x03";
+const QByteArray controlD = "\x04";
+
+} // namespace
+
+/// What is different when a person sits in front of the tool.
+class TestToolTerminal : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("TERM", "xterm");
+        qunsetenv("NO_COLOR");
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getPrintSpeed"), Answer::value(QStringLiteral("Low")));
+        m_service.setAnswer(QStringLiteral("getDraftSpeed"), Answer::value(2500));
+        m_service.setAnswer(QStringLiteral("getFreeText"),
+                            Answer::value(QStringLiteral("\x1b[2Jgone")));
+    }
+
+    void init() { m_service.takeCalls(); }
+
+    void asksForThePassphraseWithoutEcho()
+    {
+        Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
+        QVERIFY(terminal.shows("Passphrase: "));
+        QTRY_VERIFY(!terminal.echoes());
+        terminal.type("two words\n");
+        const QByteArray shown = terminal.shownAtEnd();
+        QVERIFY2(!shown.contains("two"), shown.constData());
+        QCOMPARE(terminal.exitCode(), 0);
+
+        const QVector<RecordedCall> calls = m_service.takeCalls();
+        QCOMPARE(calls.size(), 1);
+        QCOMPARE(calls[0].member, QStringLiteral("setPassphrase"));
+        QCOMPARE(calls[0].arguments[0].toString(), QStringLiteral("two words"));
+    }
+
+    void bringsTheEchoBackWhenThePromptIsLeft()
+    {
+        Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
+        QVERIFY(terminal.shows("Passphrase: "));
+        QTRY_VERIFY(!terminal.echoes());
+        terminal.type("half" + controlC);
+        terminal.shownAtEnd();
+        QCOMPARE(terminal.exitStatus(), QProcess::CrashExit); // by the signal, as a shell expects
+        QVERIFY(terminal.echoes());
+        QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void changesNothingWhenNothingIsEntered()
+    {
+        Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
+        QVERIFY(terminal.shows("Passphrase: "));
+        QTRY_VERIFY(!terminal.echoes());
+        terminal.type(controlD);
+        terminal.shownAtEnd();
+        QCOMPARE(terminal.exitCode(), 2);
+        QVERIFY(terminal.echoes());
+        QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void alignsAndColours()
+    {
+        Terminal terminal(getTwo());
+        const QByteArray shown = terminal.shownAtEnd();
+        QCOMPARE(shown, QByteArray("\x1b[1mPrintSpeed\x1b[0m  Low\r\n"
+                                   "\x1b[1mDraftSpeed\x1b[0m  2500\r\n"));
+    }
+
+    void leavesTheColoursOut_data()
+    {
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("NO_COLOR") << QByteArray("NO_COLOR") << QByteArray("1") << QStringList();
+        QTest::newRow("dumb terminal") << QByteArray("TERM") << QByteArray("dumb") << QStringList();
+        QTest::newRow("--no-color") << QByteArray("TERM") << QByteArray("xterm")
+                                    << QStringList{QStringLiteral("--no-color")};
+    }
+
+    void leavesTheColoursOut()
+    {
+        QFETCH(QByteArray, variable);
+        QFETCH(QByteArray, value);
+        QFETCH(QStringList, options);
+        const QByteArray before = qgetenv(variable.constData());
+        qputenv(variable.constData(), value);
+        const QByteArray shown = Terminal(getTwo() + options).shownAtEnd();
+        if (before.isNull())
+            qunsetenv(variable.constData());
+        else
+            qputenv(variable.constData(), before);
+        QCOMPARE(shown, QByteArray("PrintSpeed  Low\r\nDraftSpeed  2500\r\n"));
+    }
+
+    void isNotToldWhatToDoByAValue()
+    {
+        Terminal terminal({QStringLiteral("get"), QStringLiteral("FreeText")});
+        QCOMPARE(terminal.shownAtEnd(), QByteArray("\\x1b[2Jgone\r\n"));
+    }
+
+    void showsProgress()
+    {
+        const QStringList dump{QStringLiteral("dump")};
+        QVERIFY(Terminal(dump).shownAtEnd().contains("[####"));
+        QVERIFY(!Terminal(dump + QStringList{QStringLiteral("--quiet")})
+                     .shownAtEnd()
+                     .contains("[####"));
+    }
+
+    void endsMonitorWithCtrlC()
+    {
+        Terminal terminal({QStringLiteral("monitor")});
+        QVERIFY(terminal.shows("connected\r\n"));
+        terminal.type(controlC);
+        terminal.shownAtEnd();
+        QCOMPARE(terminal.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(terminal.exitCode(), 0);
+    }
+
+    void keepsAPipePlain()
+    {
+        ChildProcess tool(QStringLiteral(EMBOSSERCTL), getTwo());
+        tool.start();
+        QVERIFY(tool.waitForFinished());
+        const QByteArray output = tool.readAllStandardOutput();
+        QVERIFY(!output.contains(escape));
+        QCOMPARE(output, QByteArray("PrintSpeed\tLow\nDraftSpeed\t2500\n"));
+    }
+
+private:
+    static QStringList getTwo()
+    {
+        return {QStringLiteral("get"), QStringLiteral("PrintSpeed"), QStringLiteral("DraftSpeed")};
+    }
+
+    PrivateBus m_bus;
+    RecordingService m_service{m_bus};
+};
+
+QTEST_GUILESS_MAIN(TestToolTerminal)
+#include "tst_tool_terminal.moc"
