@@ -4,15 +4,17 @@
 # version and the installation with a CMake package and a pkg-config file.
 #
 # name: the target, the package and the folder of the headers.
+# DESCRIPTION: one line on what the library is for.
 # INCLUDE_DIR: the folder that holds the folder of the public headers.
 # PACKAGES: packages that a user of this one needs as well, as find_dependency takes them.
 # PKG_CONFIG_REQUIRES: the same, as pkg-config names them.
 function(configure_shared_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "INCLUDE_DIR;PKG_CONFIG_REQUIRES" "PACKAGES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg ""
+        "DESCRIPTION;INCLUDE_DIR;PKG_CONFIG_REQUIRES" "PACKAGES")
 
     add_library(${name}::${name} ALIAS ${name})
     set_target_properties(${name} PROPERTIES
-        PREFIX ""
+        PREFIX "" # the name has it already
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
 
@@ -37,7 +39,16 @@ function(configure_shared_library name)
             ${CMAKE_CURRENT_BINARY_DIR}/${name}-config-version.cmake
         DESTINATION ${package_dir})
 
+    # The file finds the prefix from where it lies, so that the whole may be moved.
+    file(RELATIVE_PATH prefix_from_pkg_config
+        ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+    cmake_path(APPEND PKG_CONFIG_PREFIX "\${pcfiledir}" ${prefix_from_pkg_config})
+    string(REGEX REPLACE "/$" "" PKG_CONFIG_PREFIX ${PKG_CONFIG_PREFIX})
+    cmake_path(APPEND PKG_CONFIG_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+    cmake_path(APPEND PKG_CONFIG_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
+    string(REGEX REPLACE "^lib" "" LINK_NAME ${name})
     set(PKG_CONFIG_REQUIRES "${arg_PKG_CONFIG_REQUIRES}")
+    set(PKG_CONFIG_DESCRIPTION "${arg_DESCRIPTION}")
     configure_file(${PROJECT_SOURCE_DIR}/cmake/package.pc.in
         ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc

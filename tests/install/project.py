@@ -1,0 +1,25 @@
+# SPDX-License-Identifier: MIT
+"""What the tests of the installation share."""
+
+import os
+import pathlib
+import subprocess
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+BUILD = pathlib.Path(os.environ["BUILD_DIR"])
+
+
+def run(*command, **environment):
+    """Runs a command and returns what it prints."""
+    result = subprocess.run([str(part) for part in command], capture_output=True, text=True,
+                            check=False, env=os.environ | environment)
+    if result.returncode:
+        raise AssertionError(f"{command} returned {result.returncode}\n"
+                             f"{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+def install(directory):
+    """Stages the project in a directory, and returns the folder that is then its prefix."""
+    run("cmake", "--install", BUILD, "--prefix", "/opt/embosser", DESTDIR=str(directory))
+    return directory / "opt/embosser"

@@ -1,0 +1,80 @@
+# SPDX-License-Identifier: MIT
+"""The installed programs and libraries are hardened and need nothing that they do not use."""
+
+import json
+import pathlib
+import re
+import tempfile
+import unittest
+
+from project import BUILD, install, run
+
+COMPILER = {"libc.so.6", "libgcc_s.so.1", "libstdc++.so.6", "ld-linux-armhf.so.3"}
+NEEDED = {
+    "lib/libconfigurationmanager.so": {"libQt5Core.so.5", "libQt5DBus.so.5", "libtavelorn.so.1"},
+    "lib/libtavelorn.so": {"libQt5Core.so.5", "libQt5DBus.so.5"},
+    "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5", "libconfigurationmanager.so.1"},
+    "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5"},
+}
+
+
+class BuiltFiles(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        directory = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(directory.cleanup)
+        cls.prefix = install(pathlib.Path(directory.name))
+
+    def each_file(self):
+        for name in NEEDED:
+            with self.subTest(name):
+                yield name, self.prefix / name
+
+    def test_are_all_looked_at(self):
+        files = [file for file in (*self.prefix.glob("bin/*"), *self.prefix.glob("lib/*.so"))]
+        self.assertCountEqual([str(file.relative_to(self.prefix)) for file in files], NEEDED)
+
+    def test_need_what_they_use(self):
+        for name, file in self.each_file():
+            needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", file)))
+            self.assertEqual(needed - COMPILER, NEEDED[name])
+
+    def test_are_bound_before_they_run_and_read_only_then(self):
+        for _, file in self.each_file():
+            self.assertIn("GNU_RELRO", run("readelf", "--segments", file))
+            self.assertRegex(run("readelf", "--dynamic", file), r"\(FLAGS_1\).*\bNOW\b")
+
+    def test_have_no_executable_stack_and_no_writable_code(self):
+        for _, file in self.each_file():
+            segments = run("readelf", "--segments", "--wide", file)
+            self.assertRegex(segments, r"GNU_STACK .* RW +0x")
+            self.assertNotIn("RWE", segments)
+            self.assertNotIn("TEXTREL", run("readelf", "--dynamic", file))
+
+    def test_can_be_loaded_anywhere(self):
+        for _, file in self.each_file():
+            self.assertIn("DYN (", run("readelf", "--file-header", file))
+
+    def test_watch_their_stack(self):
+        for _, file in self.each_file():
+            self.assertRegex(run("nm", "--dynamic", "--undefined-only", file),
+                             "__stack_chk_fail")
+
+    def test_watch_their_buffers(self):
+        # Only a function that the C library knows to check shows in the file.
+        self.assertIn("_chk@", run("nm", "--dynamic", self.prefix / "bin/embosser-simulator"))
+        commands = json.loads((BUILD / "compile_commands.json").read_text())
+        for command in commands:
+            self.assertRegex(command["command"], "_FORTIFY_SOURCE=[23]", command["file"])
+
+    def test_have_versioned_names(self):
+        for library in ("libconfigurationmanager", "libtavelorn"):
+            file = self.prefix / f"lib/{library}.so"
+            version = re.search(r"SONAME.*\[(.*)\]", run("readelf", "--dynamic", file)).group(1)
+            self.assertEqual(version, f"{library}.so.1")
+            self.assertTrue((self.prefix / "lib" / version).is_symlink())
+            self.assertRegex(file.resolve().name, rf"{library}\.so\.1\.\d+\.\d+$")
+
+
+if __name__ == "__main__":
+    unittest.main()
