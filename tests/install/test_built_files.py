@@ -9,13 +9,21 @@ import unittest
 
 from project import BUILD, install, run
 
-COMPILER = {"libc.so.6", "libgcc_s.so.1", "libstdc++.so.6", "ld-linux-armhf.so.3"}
+COMPILER = {"libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6", "ld-linux-armhf.so.3"}
 NEEDED = {
     "lib/libconfigurationmanager.so": {"libQt5Core.so.5", "libQt5DBus.so.5", "libtavelorn.so.1"},
     "lib/libtavelorn.so": {"libQt5Core.so.5", "libQt5DBus.so.5"},
     "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5", "libconfigurationmanager.so.1"},
     "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5"},
 }
+
+
+def of_each_file(check):
+    def test(self):
+        for name in NEEDED:
+            with self.subTest(name):
+                check(self, self.prefix / name)
+    return test
 
 
 class BuiltFiles(unittest.TestCase):
@@ -25,40 +33,35 @@ class BuiltFiles(unittest.TestCase):
         cls.addClassCleanup(directory.cleanup)
         cls.prefix = install(pathlib.Path(directory.name))
 
-    def each_file(self):
-        for name in NEEDED:
-            with self.subTest(name):
-                yield name, self.prefix / name
-
     def test_are_all_looked_at(self):
-        files = [file for file in (*self.prefix.glob("bin/*"), *self.prefix.glob("lib/*.so"))]
+        files = (*self.prefix.glob("bin/*"), *self.prefix.glob("lib/*.so"))
         self.assertCountEqual([str(file.relative_to(self.prefix)) for file in files], NEEDED)
 
-    def test_need_what_they_use(self):
-        for name, file in self.each_file():
-            needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", file)))
-            self.assertEqual(needed - COMPILER, NEEDED[name])
+    @of_each_file
+    def test_need_what_they_use(self, file):
+        needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", file)))
+        self.assertEqual(needed - COMPILER, NEEDED[str(file.relative_to(self.prefix))])
 
-    def test_are_bound_before_they_run_and_read_only_then(self):
-        for _, file in self.each_file():
-            self.assertIn("GNU_RELRO", run("readelf", "--segments", file))
-            self.assertRegex(run("readelf", "--dynamic", file), r"\(FLAGS_1\).*\bNOW\b")
+    @of_each_file
+    def test_are_bound_before_they_run_and_read_only_then(self, file):
+        self.assertIn("GNU_RELRO", run("readelf", "--segments", file))
+        self.assertRegex(run("readelf", "--dynamic", file), r"\(FLAGS_1\).*\bNOW\b")
 
-    def test_have_no_executable_stack_and_no_writable_code(self):
-        for _, file in self.each_file():
-            segments = run("readelf", "--segments", "--wide", file)
-            self.assertRegex(segments, r"GNU_STACK .* RW +0x")
-            self.assertNotIn("RWE", segments)
-            self.assertNotIn("TEXTREL", run("readelf", "--dynamic", file))
+    @of_each_file
+    def test_have_no_executable_stack_and_no_writable_code(self, file):
+        segments = run("readelf", "--segments", "--wide", file)
+        self.assertRegex(segments, r"GNU_STACK .* RW +0x")
+        self.assertNotIn("RWE", segments)
+        self.assertNotIn("TEXTREL", run("readelf", "--dynamic", file))
 
-    def test_can_be_loaded_anywhere(self):
-        for _, file in self.each_file():
-            self.assertIn("DYN (", run("readelf", "--file-header", file))
+    @of_each_file
+    def test_can_be_loaded_anywhere(self, file):
+        self.assertIn("DYN (", run("readelf", "--file-header", file))
 
-    def test_watch_their_stack(self):
-        for _, file in self.each_file():
-            self.assertRegex(run("nm", "--dynamic", "--undefined-only", file),
-                             "__stack_chk_fail")
+    @of_each_file
+    def test_watch_their_stack(self, file):
+        self.assertRegex(run("nm", "--dynamic", "--undefined-only", file),
+                         "__stack_chk_fail")
 
     def test_watch_their_buffers(self):
         # Only a function that the C library knows to check shows in the file.
