@@ -28,7 +28,8 @@ def written_down(library):
     """Returns the soname and the symbols of a library, each with the version that brought it."""
     name = pathlib.Path(library).name.partition(".")[0]
     text = next(PROJECT.glob(f"debian/{name}[0-9]*.symbols")).read_text()
-    return text.split()[0], dict(re.findall(r"^ (\S+)@Base (\S+)$", text, re.MULTILINE))
+    soname = re.search(r"^(lib\S+) ", text, re.MULTILINE).group(1)
+    return soname, dict(re.findall(r"^ (\S+)@Base (\S+)$", text, re.MULTILINE))
 
 
 def demangled(symbol):
