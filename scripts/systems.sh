@@ -28,7 +28,8 @@ cached_system() {
     key=$({ cat; declare -f "$make"; } | sha256sum | head -c 16)
     system=$cache/$name-$key
     mkdir -p "$cache"
-    exec 8>"$system.lock"
+    touch "$system.lock"
+    exec 8<"$system.lock"
     flock 8
     if [ -d "$system" ] \
         && [ "$(inventory "$system")" != "$(cat "$system.inventory" 2>/dev/null)" ]; then
@@ -36,6 +37,10 @@ cached_system() {
         rm -rf "$system"
     fi
     if [ ! -d "$system" ]; then
+        # Each takes hundreds of megabytes; those that nobody has used for a week go.
+        find "$cache" -maxdepth 1 -name "$name-*.lock" -mtime +7 -printf '%p\0' \
+            | sed --null-data 's/\.lock$//' | xargs --null --replace \
+                rm -rf {} {}.inventory {}.lock
         # Complete before it has its name, so that an interruption leaves nothing that looks whole.
         new=$system.new
         rm -rf "$new"
