@@ -50,7 +50,8 @@ DBusServicePrivate::DBusServicePrivate(const QDBusConnection &bus, const QString
 }
 
 // Asked after each signal too: when the event loop starts, Qt delivers the signals that it has held
-// back until then after the first new ones, so that the owner named in the last one may be outdated.
+// back until then after the first new ones, so that the owner named in the last one may be
+// outdated.
 void DBusServicePrivate::askForOwner()
 {
     const QDBusConnectionInterface *bus = connection.interface();
