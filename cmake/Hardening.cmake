@@ -19,6 +19,8 @@ add_link_options(
     LINKER:-z,now
     LINKER:-z,noexecstack)
 # The sanitizers' symbols are in the program, not in the libraries.
-if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+string(FIND "${CMAKE_CXX_FLAGS}" "-fsanitize=" sanitizer_position)
+string(COMPARE GREATER_EQUAL ${sanitizer_position} 0 is_sanitized)
+if(NOT is_sanitized)
     add_link_options(LINKER:--no-undefined)
 endif()
