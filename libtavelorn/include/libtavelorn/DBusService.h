@@ -20,7 +20,7 @@ class DBusServicePrivate;
 ///
 /// The bus reports a change of the service's owner by signals, which are delivered by the event
 /// loop of the thread in which this object lives: without a running event loop isConnected() does
-/// not change.
+/// not change. After each of them the bus is asked once for the owner.
 class LIBTAVELORN_EXPORT DBusService : public QObject
 {
     Q_OBJECT
