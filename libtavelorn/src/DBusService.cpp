@@ -29,16 +29,17 @@ public:
 
 DBusServicePrivate::DBusServicePrivate(const QDBusConnection &bus, const QString &name,
                                        DBusService *service)
-    : connection(bus),
+    : QObject(service),
+      connection(bus),
       serviceName(name),
       q(service),
-      watcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange)
+      watcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange, this)
 {
     connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString &, const QString &oldOwner) {
-                // Also when the same owner is back already, it has left.
+            [this](const QString &, const QString &oldOwner, const QString &newOwner) {
+                // Also a change that is undone by now is one.
                 if (oldOwner == owner)
-                    setOwner(QString());
+                    setOwner(newOwner);
                 askForOwner();
             });
     connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),

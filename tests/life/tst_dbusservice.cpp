@@ -6,11 +6,13 @@
 #include <libtavelorn/DBusService.h>
 
 #include <QtCore/QPointer>
+#include <QtCore/QThread>
 #include <QtDBus/QDBusAbstractInterface>
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusReply>
 #include <QtTest/QTest>
 
+#include <atomic>
 #include <future>
 #include <memory>
 #include <utility>
@@ -114,6 +116,18 @@ private Q_SLOTS:
         QVERIFY(seen.areConsistent());
     }
 
+    void tellsThatTheServiceCameWhenItLeavesAtOnce()
+    {
+        const DBusService service(m_watching, name, nullptr);
+        const Signals seen(service);
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(m_first.registerService(name));
+            QVERIFY(m_first.unregisterService(name));
+        }
+        QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected connected disconnected"));
+        QVERIFY(seen.areConsistent());
+    }
+
     void tellsThatTheServiceLeftWhenItIsBackAtOnce()
     {
         QVERIFY(m_first.registerService(name));
@@ -161,6 +175,23 @@ private Q_SLOTS:
         QCOMPARE(seen.texts(), texts);
         QCOMPARE(service.isConnected(), replaced);
         QVERIFY(seen.areConsistent());
+    }
+
+    void movesToAnotherThreadAsAWhole()
+    {
+        QThread thread;
+        auto *service = new DBusService(m_watching, name, nullptr);
+        std::atomic<QThread *> told = nullptr;
+        connect(
+            service, &DBusService::connected, service, [&] { told = QThread::currentThread(); },
+            Qt::DirectConnection);
+        connect(&thread, &QThread::finished, service, &QObject::deleteLater);
+        service->moveToThread(&thread);
+        thread.start();
+        QVERIFY(m_first.registerService(name));
+        QTRY_COMPARE(told.load(), &thread);
+        thread.quit();
+        QVERIFY(thread.wait());
     }
 
     void heedsNoOtherService()
