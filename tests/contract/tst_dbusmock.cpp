@@ -24,7 +24,7 @@ private Q_SLOTS:
     {
         ConfigurationManager manager;
         m_mock.start();
-        QTRY_VERIFY2(manager.isConnected(), "python-dbusmock has not started");
+        QTRY_VERIFY2_WITH_TIMEOUT(manager.isConnected(), "python-dbusmock has not started", 60000);
 
         const QVector<QMetaMethod> operations = slotsOf(ConfigurationManager::staticMetaObject);
         for (const QMetaMethod &slot : operations) {

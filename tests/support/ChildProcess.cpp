@@ -2,16 +2,14 @@
 
 #include "ChildProcess.h"
 
-#include <QtCore/QDir>
-
 #include <csignal>
 #include <sys/prctl.h>
 
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments)
 {
-    // Programs of this build are named by their paths, and may be for another machine.
+    // Programs of this build may be for another machine.
     QStringList command;
-    if (QDir::isAbsolutePath(program))
+    if (program.startsWith(QStringLiteral(BUILD_DIRECTORY)))
         command = QStringLiteral(EMULATOR).split(QLatin1Char('|'), Qt::SkipEmptyParts);
     command << program << arguments;
     setProgram(command.takeFirst());
