@@ -130,7 +130,7 @@ private:
             std::printf("What the lock (-) and the wire (+) do not have in common:\n%s\n",
                         qPrintable(changes.join(QLatin1Char('\n'))));
             QFAIL("The lines stand above. Is the change meant? Then change operations.lock and run "
-                  "tests/contract/typed_calls.py");
+                  "scripts/generate");
         }
     }
 
