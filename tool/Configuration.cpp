@@ -125,8 +125,13 @@ Configuration configurationFromFile(const QString &name, const Catalogue &catalo
     Configuration configuration;
     const QJsonObject values = document.object().value(settingsKey).toObject();
     for (auto value = values.begin(); value != values.end(); ++value) {
-        configuration.values.insert(value.key(),
-                                    normalized(value.value(), catalogue.setting(value.key())));
+        const QString setting = value.key();
+        if (isSecret(setting)) {
+            configuration.ignoredSecrets.append(setting);
+            continue;
+        }
+        configuration.values.insert(
+            setting, normalized(withoutSecrets(value.value()), catalogue.setting(setting)));
     }
     return configuration;
 }

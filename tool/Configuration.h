@@ -15,6 +15,8 @@
 struct Configuration
 {
     QJsonObject values;
+    /// The secret settings for which a file had values all the same.
+    QStringList ignoredSecrets;
     /// Failed if the service has not told all of them.
     ExitStatus status = ExitStatus::Done;
 };
@@ -27,8 +29,8 @@ QStringList secretSettings(const Catalogue &catalogue);
 
 QJsonObject configurationToJson(const Configuration &configuration, const Catalogue &catalogue);
 
-/// Reads what configurationToJson() has written; "-" is standard input. Throws a Failure that names
-/// the file and what is wrong with it.
+/// Reads what configurationToJson() has written, but no secret that somebody has added; "-" is
+/// standard input. Throws a Failure that names the file and what is wrong with it.
 Configuration configurationFromFile(const QString &name, const Catalogue &catalogue);
 
 #endif

@@ -6,7 +6,6 @@
 #include "../Lookup.h"
 #include "../Output.h"
 #include "../ProgressBar.h"
-#include "../Secret.h"
 #include "../Session.h"
 #include "../Value.h"
 
@@ -57,6 +56,8 @@ public:
 private:
     QVector<Target> targetsOf(const Configuration &configuration, const Catalogue &catalogue)
     {
+        for (const QString &name : configuration.ignoredSecrets)
+            m_result.notApplied.insert(name, QStringLiteral("a secret is not restored"));
         QVector<Target> targets;
         const QJsonObject &values = configuration.values;
         for (auto value = values.begin(); value != values.end(); ++value) {
@@ -87,8 +88,7 @@ private:
             m_result.notApplied.remove(name);
             return true;
         }
-        const QString shown = isSecret(name) ? QStringLiteral("another value") : toText(held);
-        m_result.notApplied.insert(name, QStringLiteral("the service holds %1").arg(shown));
+        m_result.notApplied.insert(name, QStringLiteral("the service holds %1").arg(toText(held)));
         return false;
     }
 
@@ -188,7 +188,8 @@ Command restoreCommand()
                        "input), as far as they differ, and reads them again to see whether the "
                        "service holds them. What could not be applied is told with the reason, and "
                        "the exit status is 1; the rest is applied all the same. Secret settings "
-                       "stay as they are."),
+                       "stay as they are, and one that somebody has put into the file counts as "
+                       "not applied."),
     };
     command.run = run;
     return command;
