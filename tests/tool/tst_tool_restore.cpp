@@ -4,6 +4,7 @@
 #include "RecordingService.h"
 #include "Shell.h"
 
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtTest/QTest>
@@ -53,7 +54,7 @@ private Q_SLOTS:
                  0);
         const Outcome outcome = run("restore both.json");
         QCOMPARE(outcome.errors, QByteArray("embosserctl: 2 applied, 208 unchanged, 0 not "
-                                            "applied\n"));
+                                            "verified, 0 not applied\n"));
         QCOMPARE(outcome.status, 0);
         QCOMPARE(run("diff both.json --quiet").output, QByteArray());
     }
@@ -63,29 +64,61 @@ private Q_SLOTS:
         RecordingService service(m_bus);
         service.start();
         service.setAnswer(QStringLiteral("getAlignLow"), Answer::value(5));
-        QCOMPARE(
-            run("restore - --json << end\n"
-                "{\"format\": \"embosserctl configuration 1\", \"settings\": {\"AlignLow\": 7}}"
-                "\nend")
-                .errors,
-            QByteArray("embosserctl: not applied: AlignLow: the service holds 5\n"));
+        QVERIFY(
+            restore(R"("AlignLow": 7)")
+                .errors.startsWith("embosserctl: not applied: AlignLow: the service holds 5\n"));
     }
 
-    void endsWhenTheServiceIsLost()
+    void tellsWhatItHadWrittenWhenTheServiceWasLost()
     {
         ChildProcess simulator(QStringLiteral(SIMULATOR),
                                {QStringLiteral("--fault"), QStringLiteral("crash:setBaudrate")});
         simulator.startAndReadLine();
         QCOMPARE(run("dump | sed 's/\"AlignLow\": 0/\"AlignLow\": 3/; "
-                     "s/\"Baudrate\": 9600/\"Baudrate\": 19200/' > both.json")
+                     "s/\"Baudrate\": 9600/\"Baudrate\": 19200/; "
+                     "s/\"Volume\": \"5\"/\"Volume\": \"6\"/' > three.json")
                      .status,
                  0);
-        const Outcome outcome = run("restore both.json");
+        const Outcome outcome = run("restore three.json --json");
         QCOMPARE(outcome.status, 3);
-        // Neither can be read again.
-        QVERIFY(outcome.errors.contains("not applied: AlignLow: "));
+        QVERIFY(outcome.errors.contains("written, but not verified: AlignLow: not read again\n"));
         QVERIFY(outcome.errors.contains("not applied: Baudrate: "));
+        QVERIFY(outcome.errors.contains("not applied: Volume: the service holds 5\n"));
         QVERIFY(outcome.errors.contains("not connected: "));
+
+        const QJsonObject result = QJsonDocument::fromJson(outcome.output).object();
+        QCOMPARE(result[QStringLiteral("unverified")].toObject().keys(),
+                 QStringList{QStringLiteral("AlignLow")});
+        QCOMPARE(result[QStringLiteral("notApplied")].toObject().keys(),
+                 (QStringList{QStringLiteral("Baudrate"), QStringLiteral("Volume")}));
+        QCOMPARE(result[QStringLiteral("applied")].toArray(), QJsonArray());
+        QCOMPARE(result[QStringLiteral("unchanged")], QJsonValue(207));
+    }
+
+    void claimsNothingOfWhatItHasNotReached()
+    {
+        RecordingService service(m_bus);
+        service.start();
+        service.setAnswer(QStringLiteral("getAlignHigh"), Answer::value(1));
+        service.setAnswer(QStringLiteral("getAlignLow"), Answer::exit());
+        const Outcome outcome =
+            restore(R"("AlignAdjustment": 1, "AlignHigh": 1, "AlignLow": 7, "Volume": "6")");
+        QCOMPARE(outcome.status, 3);
+        QVERIFY(outcome.errors.contains("not applied: Volume: not tried\n"));
+        QVERIFY(outcome.errors.contains(
+            "embosserctl: 0 applied, 1 unchanged, 0 not verified, 3 not applied\n"));
+    }
+
+    void tellsOfAValueThatCannotBeReadAgain()
+    {
+        RecordingService service(m_bus);
+        service.start();
+        service.setAnswer(QStringLiteral("getAlignLow"),
+                          Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
+        const Outcome outcome = restore(R"("AlignLow": 7)");
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(outcome.errors.contains("written, but not verified: AlignLow: no\n"));
+        QVERIFY(outcome.errors.contains("1 not verified, 0 not applied\n"));
     }
 
 private:
@@ -97,6 +130,15 @@ private:
     Outcome run(const char *arguments)
     {
         return m_shell.run(QStringLiteral("embosserctl ") + QString::fromUtf8(arguments));
+    }
+
+    /// Restores the settings, given as they stand in a file.
+    Outcome restore(const char *settings)
+    {
+        return m_shell.run(QStringLiteral("embosserctl restore - << end\n"
+                                          "{\"format\": \"embosserctl configuration 1\", "
+                                          "\"settings\": {%1}}\nend")
+                               .arg(QString::fromUtf8(settings)));
     }
 
     PrivateBus m_bus;

@@ -24,12 +24,23 @@ struct Target
     QJsonValue value;
 };
 
-struct Result
-{
-    int unchanged = 0;
-    QStringList applied;
-    QMap<QString, QString> notApplied;
+enum class State {
+    Unchanged,
+    Applied,
+    /// Accepted by the service, but not read again.
+    Unverified,
+    NotApplied,
 };
+
+/// What has become of a setting, and why it is not applied or not verified.
+struct Outcome
+{
+    State state;
+    QString reason;
+};
+
+/// By the name of the setting.
+using Outcomes = QMap<QString, Outcome>;
 
 class Restoration
 {
@@ -51,13 +62,14 @@ public:
         } while (!targets.isEmpty() && targets.size() < before);
     }
 
-    const Result &result() const { return m_result; }
+    /// True at any time, also when apply() has ended by an exception.
+    const Outcomes &outcomes() const { return m_outcomes; }
 
 private:
     QVector<Target> targetsOf(const Configuration &configuration, const Catalogue &catalogue)
     {
         for (const QString &name : configuration.ignoredSecrets)
-            m_result.notApplied.insert(name, QStringLiteral("a secret is not restored"));
+            setNotApplied(name, QStringLiteral("a secret is not restored"));
         QVector<Target> targets;
         const QJsonObject &values = configuration.values;
         for (auto value = values.begin(); value != values.end(); ++value) {
@@ -67,29 +79,28 @@ private:
                 const QVariant argument =
                     argumentFromJson(value.value(), setting.setter->parameters[0].type);
                 targets.append({&setting, argument, value.value()});
+                setNotApplied(value.key(), QStringLiteral("not tried"));
             } catch (const Failure &failure) {
-                m_result.notApplied.insert(value.key(), failure.message());
+                setNotApplied(value.key(), failure.message());
             }
         }
         return targets;
     }
 
-    /// Whether the service holds the value; if not, the result tells why.
-    bool holds(const Target &target)
+    void setNotApplied(const QString &name, const QString &reason)
+    {
+        m_outcomes.insert(name, {State::NotApplied, reason});
+    }
+
+    Outcome read(const Target &target, State whenHeld, State whenUnreadable)
     {
         const Reply reply = m_session.call(*target.setting->getter);
-        const QString &name = target.setting->name;
-        if (reply.error) {
-            m_result.notApplied.insert(name, *reply.error);
-            return false;
-        }
+        if (reply.error)
+            return {whenUnreadable, *reply.error};
         const QJsonValue held = toJson(reply.value, target.setting->getter->result);
-        if (held == target.value) {
-            m_result.notApplied.remove(name);
-            return true;
-        }
-        m_result.notApplied.insert(name, QStringLiteral("the service holds %1").arg(toText(held)));
-        return false;
+        if (held == target.value)
+            return {whenHeld, {}};
+        return {State::NotApplied, QStringLiteral("the service holds %1").arg(toText(held))};
     }
 
     void leaveOutWhatHolds(QVector<Target> *targets)
@@ -98,10 +109,11 @@ private:
         QVector<Target> remaining;
         for (const Target &target : std::as_const(*targets)) {
             progress.step();
-            if (!holds(target))
+            const Outcome outcome = read(target, State::Unchanged, State::NotApplied);
+            m_outcomes.insert(target.setting->name, outcome);
+            if (outcome.state != State::Unchanged)
                 remaining.append(target);
         }
-        m_result.unchanged = targets->size() - remaining.size();
         *targets = remaining;
     }
 
@@ -109,50 +121,76 @@ private:
     void write(QVector<Target> *targets)
     {
         ProgressBar progress(targets->size(), m_showsProgress);
-        QMap<QString, QString> refused;
         for (const Target &target : std::as_const(*targets)) {
             progress.step();
             const Reply reply = m_session.call(*target.setting->setter, {target.argument});
-            if (reply.error)
-                refused.insert(target.setting->name, *reply.error);
+            m_outcomes.insert(target.setting->name,
+                              reply.error
+                                  ? Outcome{State::NotApplied, *reply.error}
+                                  : Outcome{State::Unverified, QStringLiteral("not read again")});
         }
+        // Only now, since one setting may have changed another.
         QVector<Target> remaining;
         for (const Target &target : std::as_const(*targets)) {
-            const QString &name = target.setting->name;
-            if (holds(target)) {
-                m_result.applied.append(name);
-                continue;
-            }
-            remaining.append(target);
-            if (refused.contains(name))
-                m_result.notApplied.insert(name, refused.value(name));
+            Outcome &outcome = m_outcomes[target.setting->name];
+            const Outcome found = read(target, State::Applied, State::Unverified);
+            // Why the service has refused it says more than what it holds instead.
+            if (found.state == State::Applied || outcome.state != State::NotApplied)
+                outcome = found;
+            if (outcome.state != State::Applied)
+                remaining.append(target);
         }
         *targets = remaining;
     }
 
     Session &m_session;
     bool m_showsProgress;
-    Result m_result;
+    Outcomes m_outcomes;
 };
 
-void print(Output &output, const Result &result)
+QStringList namesIn(const Outcomes &outcomes, State state)
 {
-    QJsonObject notApplied;
-    for (auto reason = result.notApplied.begin(); reason != result.notApplied.end(); ++reason) {
-        notApplied.insert(reason.key(), reason.value());
-        output.error(QStringLiteral("not applied: ") + about(reason.key(), reason.value()));
+    QStringList names;
+    for (auto outcome = outcomes.begin(); outcome != outcomes.end(); ++outcome) {
+        if (outcome->state == state)
+            names.append(outcome.key());
     }
+    return names;
+}
+
+/// The settings of the state with their reasons, each of which is told on standard error as well.
+QJsonObject told(const Output &output, const QString &label, const Outcomes &outcomes, State state)
+{
+    QJsonObject reasons;
+    for (const QString &name : namesIn(outcomes, state)) {
+        const QString reason = outcomes[name].reason;
+        output.error(QStringLiteral("%1: %2").arg(label, about(name, reason)));
+        reasons.insert(name, reason);
+    }
+    return reasons;
+}
+
+ExitStatus print(const Output &output, const Outcomes &outcomes)
+{
+    const QStringList applied = namesIn(outcomes, State::Applied);
+    const int unchanged = namesIn(outcomes, State::Unchanged).size();
+    const QJsonObject unverified =
+        told(output, QStringLiteral("written, but not verified"), outcomes, State::Unverified);
+    const QJsonObject notApplied =
+        told(output, QStringLiteral("not applied"), outcomes, State::NotApplied);
     if (output.isJson()) {
-        output.json(
-            QJsonObject{{QStringLiteral("applied"), QJsonArray::fromStringList(result.applied)},
-                        {QStringLiteral("unchanged"), result.unchanged},
-                        {QStringLiteral("notApplied"), notApplied}});
+        output.json(QJsonObject{{QStringLiteral("applied"), QJsonArray::fromStringList(applied)},
+                                {QStringLiteral("unchanged"), unchanged},
+                                {QStringLiteral("unverified"), unverified},
+                                {QStringLiteral("notApplied"), notApplied}});
     } else {
-        output.note(QStringLiteral("%1 applied, %2 unchanged, %3 not applied")
-                        .arg(result.applied.size())
-                        .arg(result.unchanged)
-                        .arg(result.notApplied.size()));
+        output.note(QStringLiteral("%1 applied, %2 unchanged, %3 not verified, %4 not applied")
+                        .arg(applied.size())
+                        .arg(unchanged)
+                        .arg(unverified.size())
+                        .arg(notApplied.size()));
     }
+    return unverified.isEmpty() && notApplied.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 ExitStatus run(const Request &request)
@@ -165,11 +203,10 @@ ExitStatus run(const Request &request)
     try {
         restoration.apply(configuration, request.catalogue);
     } catch (const Failure &) {
-        print(request.output, restoration.result());
+        print(request.output, restoration.outcomes());
         throw;
     }
-    print(request.output, restoration.result());
-    return restoration.result().notApplied.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
+    return print(request.output, restoration.outcomes());
 }
 
 } // namespace
@@ -186,8 +223,9 @@ Command restoreCommand()
     command.description = QStringList{
         QStringLiteral("Writes back the settings in a file that dump has written ('-' is standard "
                        "input), as far as they differ, and reads them again to see whether the "
-                       "service holds them. What could not be applied is told with the reason, and "
-                       "the exit status is 1; the rest is applied all the same. Secret settings "
+                       "service holds them. What could not be applied, or not be read again, is "
+                       "told with the reason, and the exit status is 1; the rest is applied all "
+                       "the same. Secret settings "
                        "stay as they are, and one that somebody has put into the file counts as "
                        "not applied."),
     };
