@@ -183,8 +183,9 @@ QVariant argumentFromText(const QString &text, const ValueType &type)
         return text;
     if (type.name == QLatin1String("QVariantMap")) {
         const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+        // The text is not repeated: there may be a secret in it.
         if (!document.isObject())
-            throwUnexpected(text, QStringLiteral("a JSON object"));
+            throw Failure(ExitStatus::Usage, QStringLiteral("this is not a JSON object"));
         return mapFromJson(document.object());
     }
     throw Failure(ExitStatus::Usage,
