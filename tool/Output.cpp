@@ -126,7 +126,7 @@ void Output::line(const QString &text) const
 
 void Output::heading(const QString &text) const
 {
-    writeLine(stdout, styled(text, boldCyan));
+    writeLine(stdout, styled(printable(text), boldCyan));
 }
 
 void Output::row(const QStringList &cells, const QVector<int> &widths,

@@ -24,6 +24,10 @@ private Q_SLOTS:
     {
         qputenv("TERM", "xterm");
         qunsetenv("NO_COLOR");
+    }
+
+    void init()
+    {
         m_service.start();
         m_service.setAnswer(QStringLiteral("getPrintSpeed"), Answer::value(QStringLiteral("Low")));
         m_service.setAnswer(QStringLiteral("getDraftSpeed"), Answer::value(2500));
@@ -31,7 +35,7 @@ private Q_SLOTS:
                             Answer::value(QStringLiteral("\x1b[2Jgone")));
     }
 
-    void init() { m_service.takeCalls(); }
+    void cleanup() { m_service.kill(); }
 
     void asksForThePassphraseWithoutEcho()
     {
@@ -111,6 +115,19 @@ private Q_SLOTS:
     {
         Terminal terminal({QStringLiteral("get"), QStringLiteral("FreeText")});
         QCOMPARE(terminal.shownAtEnd(), QByteArray("\\x1b[2Jgone\r\n"));
+    }
+
+    void isNotToldWhatToDoByAHeading()
+    {
+        m_service.kill();
+        ChildProcess simulator(QStringLiteral(SIMULATOR), {});
+        simulator.startAndReadLine();
+        Terminal({QStringLiteral("set"), QStringLiteral("AlignLow"), QStringLiteral("3"),
+                  QStringLiteral("--collection"), QStringLiteral("\x1b]0;gone\x07")})
+            .shownAtEnd();
+        const QByteArray shown = Terminal({QStringLiteral("report")}).shownAtEnd();
+        QVERIFY2(shown.contains("\\x1b]0;gone\\x07"), shown.constData());
+        QVERIFY2(!shown.contains("\x1b]"), shown.constData());
     }
 
     void showsProgress()
