@@ -3,6 +3,7 @@
 #include "Configuration.h"
 
 #include "Catalogue.h"
+#include "DeferredSignals.h"
 #include "Failure.h"
 #include "Output.h"
 #include "ProgressBar.h"
@@ -15,6 +16,7 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonParseError>
 
+#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -81,10 +83,12 @@ Configuration readConfiguration(const Request &request, const std::optional<QStr
     Configuration configuration;
     QStringList failures;
     {
+        const DeferredSignals untilBarIsGone({SIGINT, SIGTERM});
         const QVector<Setting> &settings = request.catalogue.settings();
         ProgressBar progress(settings.size(), request.output.showsProgress());
         for (const Setting &setting : settings) {
             progress.step();
+            DeferredSignals::throwIfCome();
             if (!canBeRestored(setting) || isSecret(setting.name))
                 continue;
             const Reply reply = session.call(*setting.getter);

@@ -2,6 +2,7 @@
 
 #include "Secret.h"
 
+#include "DeferredSignals.h"
 #include "Failure.h"
 
 #include <QtCore/QFile>
@@ -9,7 +10,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QTextStream>
 
-#include <array>
 #include <csignal>
 #include <cstdio>
 #include <optional>
@@ -18,25 +18,14 @@
 
 namespace {
 
-volatile std::sig_atomic_t caughtSignal = 0;
-
-void catchSignal(int number)
-{
-    caughtSignal = number;
-}
-
 /// A terminal that does not show what is typed. The process cannot be stopped meanwhile, and ends
 /// by a signal only after the echo is back.
 class EchoOff
 {
 public:
-    explicit EchoOff(int terminal) : m_terminal(terminal)
+    explicit EchoOff(int terminal)
+        : m_signals({SIGINT, SIGTERM, SIGHUP, SIGQUIT}), m_terminal(terminal)
     {
-        caughtSignal = 0;
-        struct sigaction action = {};
-        action.sa_handler = catchSignal; // without SA_RESTART: the read is to end
-        for (size_t i = 0; i < signals.size(); ++i)
-            sigaction(signals[i], &action, &m_actions[i]);
         tcgetattr(m_terminal, &m_attributes);
         termios silent = m_attributes;
         silent.c_lflag &= ~tcflag_t(ECHO);
@@ -44,23 +33,13 @@ public:
         tcsetattr(m_terminal, TCSAFLUSH, &silent);
     }
 
-    ~EchoOff()
-    {
-        tcsetattr(m_terminal, TCSAFLUSH, &m_attributes);
-        for (size_t i = 0; i < signals.size(); ++i)
-            sigaction(signals[i], &m_actions[i], nullptr);
-        if (caughtSignal)
-            std::raise(caughtSignal);
-    }
-
+    ~EchoOff() { tcsetattr(m_terminal, TCSAFLUSH, &m_attributes); }
     Q_DISABLE_COPY(EchoOff)
 
 private:
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-
+    const DeferredSignals m_signals;
     int m_terminal;
     termios m_attributes = {};
-    std::array<struct sigaction, signals.size()> m_actions = {};
 };
 
 /// Reads a line; nothing if there is none, as after Ctrl-D, or a signal has come.
@@ -80,11 +59,12 @@ QByteArray promptForSecret(const QString &name)
 {
     QTextStream prompt(stderr);
     prompt << name << ": " << Qt::flush;
-    const std::optional<QByteArray> line = [] {
+    const std::optional<QByteArray> line = [&] {
         const EchoOff echoOff(STDIN_FILENO);
-        return readLine(STDIN_FILENO);
+        const std::optional<QByteArray> entered = readLine(STDIN_FILENO);
+        prompt << Qt::endl;
+        return entered;
     }();
-    prompt << Qt::endl;
     if (!line)
         throw Failure(ExitStatus::Usage, QStringLiteral("%1 was not entered").arg(name));
     return *line;

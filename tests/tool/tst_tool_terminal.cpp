@@ -4,7 +4,10 @@
 #include "RecordingService.h"
 #include "Terminal.h"
 
+#include <QtCore/QTemporaryFile>
 #include <QtTest/QTest>
+
+#include <csignal>
 
 namespace {
 
@@ -28,6 +31,7 @@ private Q_SLOTS:
 
     void init()
     {
+        m_called.clear();
         m_service.start();
         m_service.setAnswer(QStringLiteral("getPrintSpeed"), Answer::value(QStringLiteral("Low")));
         m_service.setAnswer(QStringLiteral("getDraftSpeed"), Answer::value(2500));
@@ -62,6 +66,7 @@ private Q_SLOTS:
         terminal.shownAtEnd();
         QCOMPARE(terminal.exitStatus(), QProcess::CrashExit); // by the signal, as a shell expects
         QVERIFY(terminal.echoes());
+        QVERIFY(terminal.shownAtEnd().endsWith("\r\n"));
         QVERIFY(m_service.takeCalls().isEmpty());
     }
 
@@ -149,6 +154,56 @@ private Q_SLOTS:
         QCOMPARE(terminal.exitCode(), 0);
     }
 
+    void leavesNoProgressBehindWhenInterrupted()
+    {
+        m_service.setAnswer(Answer::silence());
+        Terminal terminal({QStringLiteral("dump")});
+        QVERIFY(terminal.shows("["));
+        terminal.type(controlC);
+        QVERIFY(terminal.shows("^C"));
+        m_service.kill();
+        QVERIFY(terminal.shownAtEnd().endsWith("\r\x1b[K"));
+        QCOMPARE(terminal.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(terminal.exitCode(), SIGINT);
+    }
+
+    void tellsWhatItHasRestoredWhenInterrupted_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Ctrl-C") << SIGINT;
+        QTest::newRow("a wish to terminate") << SIGTERM;
+    }
+
+    void tellsWhatItHasRestoredWhenInterrupted()
+    {
+        QFETCH(int, signal);
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        file.write("{\"format\": \"embosserctl configuration 1\", \"settings\": "
+                   "{\"AlignAdjustment\": 1, \"AlignHigh\": 2, \"AlignLow\": 3}}");
+        file.close();
+        for (const char *getter : {"getAlignAdjustment", "getAlignHigh", "getAlignLow"})
+            m_service.setAnswer(QString::fromLatin1(getter), Answer::value(0));
+        m_service.setAnswer(QStringLiteral("setAlignHigh"), Answer::silence());
+
+        Terminal terminal({QStringLiteral("restore"), file.fileName()});
+        QTRY_VERIFY(isCalled(QStringLiteral("setAlignHigh")));
+        ::kill(pid_t(terminal.processId()), signal);
+        m_service.kill();
+        const QByteArray shown = terminal.shownAtEnd();
+        QVERIFY2(
+            shown.contains("\r\x1b[Kembosserctl: written, but not verified: AlignAdjustment: not "
+                           "read again\r\n"),
+            shown.constData());
+        QVERIFY2(shown.contains("\r\nembosserctl: not applied: AlignHigh: "), shown.constData());
+        QVERIFY2(shown.endsWith(
+                     "\r\nembosserctl: not applied: AlignLow: the service holds 0\r\n"
+                     "embosserctl: 0 applied, 0 unchanged, 1 not verified, 2 not applied\r\n"),
+                 shown.constData());
+        QCOMPARE(terminal.exitStatus(), QProcess::CrashExit); // by the signal, as a shell expects
+        QCOMPARE(terminal.exitCode(), signal);
+    }
+
     void keepsAPipePlain()
     {
         ChildProcess tool(QStringLiteral(EMBOSSERCTL), getTwo());
@@ -165,8 +220,16 @@ private:
         return {QStringLiteral("get"), QStringLiteral("PrintSpeed"), QStringLiteral("DraftSpeed")};
     }
 
+    bool isCalled(const QString &member)
+    {
+        for (const RecordedCall &call : m_service.takeCalls())
+            m_called.append(call.member);
+        return m_called.contains(member);
+    }
+
     PrivateBus m_bus;
     RecordingService m_service{m_bus};
+    QStringList m_called;
 };
 
 QTEST_GUILESS_MAIN(TestToolTerminal)

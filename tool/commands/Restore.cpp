@@ -3,6 +3,7 @@
 #include "Commands.h"
 
 #include "../Configuration.h"
+#include "../DeferredSignals.h"
 #include "../Lookup.h"
 #include "../Output.h"
 #include "../ProgressBar.h"
@@ -12,6 +13,7 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
+#include <csignal>
 #include <utility>
 
 namespace {
@@ -109,6 +111,7 @@ private:
         QVector<Target> remaining;
         for (const Target &target : std::as_const(*targets)) {
             progress.step();
+            DeferredSignals::throwIfCome();
             const Outcome outcome = read(target, State::Unchanged, State::NotApplied);
             m_outcomes.insert(target.setting->name, outcome);
             if (outcome.state != State::Unchanged)
@@ -123,6 +126,7 @@ private:
         ProgressBar progress(targets->size(), m_showsProgress);
         for (const Target &target : std::as_const(*targets)) {
             progress.step();
+            DeferredSignals::throwIfCome();
             const Reply reply = m_session.call(*target.setting->setter, {target.argument});
             m_outcomes.insert(target.setting->name,
                               reply.error
@@ -132,6 +136,7 @@ private:
         // Only now, since one setting may have changed another.
         QVector<Target> remaining;
         for (const Target &target : std::as_const(*targets)) {
+            DeferredSignals::throwIfCome();
             Outcome &outcome = m_outcomes[target.setting->name];
             const Outcome found = read(target, State::Applied, State::Unverified);
             // Why the service has refused it says more than what it holds instead.
@@ -199,6 +204,7 @@ ExitStatus run(const Request &request)
         configurationFromFile(request.arguments[0], request.catalogue);
     Session session(request.collection);
     session.requireConnection();
+    const DeferredSignals untilResultIsTold({SIGINT, SIGTERM});
     Restoration restoration(session, request.output.showsProgress());
     try {
         restoration.apply(configuration, request.catalogue);
@@ -225,9 +231,10 @@ Command restoreCommand()
                        "input), as far as they differ, and reads them again to see whether the "
                        "service holds them. What could not be applied, or not be read again, is "
                        "told with the reason, and the exit status is 1; the rest is applied all "
-                       "the same. Secret settings "
-                       "stay as they are, and one that somebody has put into the file counts as "
-                       "not applied."),
+                       "the same. Ctrl-C ends it when the service has answered the call under way, "
+                       "and what has been done by then is told."),
+        QStringLiteral("Secret settings stay as they are; one that somebody has put into the file "
+                       "counts as not applied."),
     };
     command.run = run;
     return command;
