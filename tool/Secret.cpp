@@ -70,6 +70,20 @@ QByteArray promptForSecret(const QString &name)
     return *line;
 }
 
+QByteArray pipedSecret(const QString &name)
+{
+    QFile input;
+    input.open(stdin, QFile::ReadOnly);
+    QByteArray secret = input.readAll();
+    if (secret.endsWith('\n'))
+        secret.chop(1);
+    if (secret.contains('\n')) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("%1 is more than one line of standard input").arg(name));
+    }
+    return secret;
+}
+
 } // namespace
 
 bool isSecret(const QString &name)
@@ -100,12 +114,10 @@ QJsonValue withoutSecrets(const QJsonValue &value)
 
 QString readSecret(const QString &name)
 {
-    if (isatty(STDIN_FILENO))
-        return QString::fromUtf8(promptForSecret(name));
-    QFile input;
-    input.open(stdin, QFile::ReadOnly);
-    QByteArray secret = input.readAll();
-    if (secret.endsWith('\n'))
-        secret.chop(1);
+    const QByteArray secret = isatty(STDIN_FILENO) ? promptForSecret(name) : pipedSecret(name);
+    if (secret.isEmpty()) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("%1 is empty; 'embosserctl set %1 \"\"' clears it").arg(name));
+    }
     return QString::fromUtf8(secret);
 }

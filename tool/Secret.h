@@ -12,8 +12,9 @@ bool isSecret(const QString &name);
 /// The value with null in the place of every secret that a map in it holds.
 QJsonValue withoutSecrets(const QJsonValue &value);
 
-/// Reads a secret: without echo after a prompt if standard input is a terminal, else all of
-/// standard input less the newline at its end.
+/// Reads a secret: without echo after a prompt if standard input is a terminal, else the one line
+/// of standard input. Throws a Failure if there is none, or an empty one, which may come from a
+/// pipe whose first program has failed.
 QString readSecret(const QString &name);
 
 #endif

@@ -179,9 +179,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("passphrase");
         QTest::newRow("a line") << QStringLiteral("two words\\n") << QStringLiteral("two words");
         QTest::newRow("no newline") << QStringLiteral("word") << QStringLiteral("word");
-        QTest::newRow("nothing") << QString() << QString();
-        QTest::newRow("all of it")
-            << QStringLiteral("one\\ntwo\\n\\n") << QStringLiteral("one\ntwo\n");
     }
 
     void readsThePassphraseFromStandardInput()
@@ -196,6 +193,30 @@ private Q_SLOTS:
         QCOMPARE(calls.size(), 1);
         QCOMPARE(calls[0].member, QStringLiteral("setPassphrase"));
         QCOMPARE(calls[0].arguments[0].toString(), passphrase);
+    }
+
+    void refusesAPassphraseThatIsNotOneLine_data()
+    {
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QByteArray>("message");
+        const QByteArray empty = "Passphrase is empty; 'embosserctl set Passphrase \"\"' clears it";
+        const QByteArray tooMuch = "Passphrase is more than one line of standard input";
+        QTest::newRow("nothing") << QString() << empty;
+        QTest::newRow("an empty line") << QStringLiteral("\\n") << empty;
+        QTest::newRow("two lines") << QStringLiteral("one\\ntwo\\n") << tooMuch;
+        QTest::newRow("a line and an empty one") << QStringLiteral("one\\n\\n") << tooMuch;
+    }
+
+    void refusesAPassphraseThatIsNotOneLine()
+    {
+        QFETCH(QString, input);
+        QFETCH(QByteArray, message);
+        m_service.start();
+        const Outcome outcome =
+            m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
+        QCOMPARE(outcome.status, 2);
+        QCOMPARE(outcome.errors, "embosserctl: " + message + '\n');
+        QVERIFY(m_service.takeCalls().isEmpty());
     }
 
     void monitorPrintsWhenTheServiceComesAndGoesUntilCtrlC_data()

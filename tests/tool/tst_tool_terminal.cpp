@@ -70,16 +70,33 @@ private Q_SLOTS:
         QVERIFY(m_service.takeCalls().isEmpty());
     }
 
+    void changesNothingWhenNothingIsEntered_data()
+    {
+        QTest::addColumn<QByteArray>("keys");
+        QTest::newRow("Ctrl-D") << controlD;
+        QTest::newRow("Enter") << QByteArray("\n");
+    }
+
     void changesNothingWhenNothingIsEntered()
     {
+        QFETCH(QByteArray, keys);
         Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
         QVERIFY(terminal.shows("Passphrase: "));
         QTRY_VERIFY(!terminal.echoes());
-        terminal.type(controlD);
+        terminal.type(keys);
         terminal.shownAtEnd();
         QCOMPARE(terminal.exitCode(), 2);
         QVERIFY(terminal.echoes());
         QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void doesNotAskForThePassphraseInVain()
+    {
+        m_service.kill();
+        Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
+        const QByteArray shown = terminal.shownAtEnd();
+        QVERIFY2(!shown.contains("Passphrase: "), shown.constData());
+        QCOMPARE(terminal.exitCode(), 3);
     }
 
     void alignsAndColours()

@@ -14,26 +14,26 @@ namespace {
 
 const QString flagOption = QStringLiteral("flag");
 
-QString givenValue(const Request &request, const Setting &setting)
-{
-    if (request.arguments.size() == 2)
-        return request.arguments[1];
-    if (isSecret(setting.name))
-        return readSecret(setting.name);
-    throw Failure(ExitStatus::Usage, QStringLiteral("%1 is to be set to what?").arg(setting.name));
-}
-
 ExitStatus run(const Request &request)
 {
     const Setting &setting = writableSetting(request.catalogue, request.arguments[0]);
     const bool flag = request.hasOption(flagOption);
     if (flag && !setting.takesFlag())
         throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no flag").arg(setting.name));
-    const QVariant value =
-        argumentFromText(givenValue(request, setting), setting.setter->parameters[0].type);
+    const ValueType &type = setting.setter->parameters[0].type;
+    QVariant value;
+    if (request.arguments.size() == 2) {
+        value = argumentFromText(request.arguments[1], type);
+    } else if (!isSecret(setting.name)) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("%1 is to be set to what?").arg(setting.name));
+    }
 
     Session session(request.collection);
     session.requireConnection();
+    // Nobody is asked for a secret that could not be written.
+    if (!value.isValid())
+        value = argumentFromText(readSecret(setting.name), type);
     const Reply reply =
         session.call(*setting.setter, flag ? QVariantList{value, true} : QVariantList{value});
     if (reply.error) {
@@ -63,8 +63,9 @@ Command setCommand()
         QStringLiteral("Writes a setting. NAME is the name of an operation without its 'set'. The "
                        "service decides whether it accepts the value."),
         QStringLiteral("VALUE may be left away for a secret setting only (Passphrase). It is then "
-                       "asked for without echo if standard input is a terminal, and else all of "
-                       "standard input, without a newline at its end."),
+                       "asked for without echo if standard input is a terminal, and else the one "
+                       "line of standard input; it must not be empty. 'embosserctl set Passphrase "
+                       "\"\"' clears it."),
     };
     command.run = run;
     return command;
