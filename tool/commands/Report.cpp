@@ -13,13 +13,36 @@
 
 namespace {
 
+/// The value with each number in it as the setting of the same name shows it: an enumeration's by
+/// its key.
+QJsonValue withKeys(const QJsonValue &value, const Catalogue &catalogue)
+{
+    if (value.isArray()) {
+        QJsonArray array;
+        for (const auto &element : value.toArray())
+            array.append(withKeys(element, catalogue));
+        return array;
+    }
+    if (!value.isObject())
+        return value;
+    QJsonObject object = value.toObject();
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        const Setting *setting = catalogue.setting(entry.key());
+        if (entry.value().isDouble() && setting && setting->getter)
+            *entry = toJson(entry.value().toVariant(), setting->getter->result);
+        else
+            *entry = withKeys(entry.value(), catalogue);
+    }
+    return object;
+}
+
 QJsonValue reportOf(Session &session, const Catalogue &catalogue, const QString &name)
 {
     const Operation &operation = operationFor(catalogue, name, 0);
     const Reply reply = session.call(operation);
     if (reply.error)
         throw Failure(ExitStatus::Failed, about(name, *reply.error));
-    return withoutSecrets(toJson(reply.value, operation.result));
+    return withKeys(withoutSecrets(toJson(reply.value, operation.result)), catalogue);
 }
 
 ExitStatus run(const Request &request)
@@ -55,8 +78,10 @@ Command reportCommand()
     command.name = QStringLiteral("report");
     command.summary = QStringLiteral("show the service's reports");
     command.description = QStringList{
-        QStringLiteral("Shows the service's report on the embosser and its report on the complete "
-                       "current configuration. Secrets in them are not shown."),
+        QStringLiteral(
+            "Shows the service's report on the embosser and its report on the complete "
+            "current configuration. Numbers of an enumeration are shown by their key where "
+            "a setting has the same name. Secrets in them are not shown."),
     };
     command.run = run;
     return command;
