@@ -31,11 +31,17 @@ private:
     QString m_message;
 };
 
+/// What a message says about something, without the name with which it may begin.
+inline QString reason(const QString &name, const QString &message)
+{
+    const QString prefix = name + QStringLiteral(": ");
+    return message.startsWith(prefix) ? message.mid(prefix.size()) : message;
+}
+
 /// A message about something, whose name the message itself may begin with.
 inline QString about(const QString &name, const QString &message)
 {
-    const QString prefix = name + QStringLiteral(": ");
-    return message.startsWith(prefix) ? message : prefix + message;
+    return name + QStringLiteral(": ") + reason(name, message);
 }
 
 #endif

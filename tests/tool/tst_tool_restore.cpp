@@ -33,8 +33,11 @@ private Q_SLOTS:
                                   QStringLiteral("PrintSpeed")};
         const QJsonObject result = QJsonDocument::fromJson(outcome.output).object();
         QCOMPARE(result[QStringLiteral("notApplied")].toObject().keys(), refused);
-        for (const QString &name : refused)
+        for (const QString &name : refused) {
             QVERIFY(outcome.errors.contains("embosserctl: not applied: " + name.toUtf8() + ": "));
+            const QString reason = result[QStringLiteral("notApplied")].toObject()[name].toString();
+            QVERIFY2(!reason.startsWith(name), qPrintable(reason));
+        }
         const QJsonObject differences =
             QJsonDocument::fromJson(
                 run("diff quillon.json --json").output)[QStringLiteral("differences")]

@@ -168,9 +168,9 @@ QJsonObject told(const Output &output, const QString &label, const Outcomes &out
 {
     QJsonObject reasons;
     for (const QString &name : namesIn(outcomes, state)) {
-        const QString reason = outcomes[name].reason;
-        output.error(QStringLiteral("%1: %2").arg(label, about(name, reason)));
-        reasons.insert(name, reason);
+        const QString &message = outcomes[name].reason;
+        output.error(QStringLiteral("%1: %2").arg(label, about(name, message)));
+        reasons.insert(name, reason(name, message));
     }
     return reasons;
 }
