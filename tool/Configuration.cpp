@@ -31,11 +31,6 @@ bool canBeRestored(const Setting &setting)
     return setting.getter && setting.setter;
 }
 
-bool isStandardInput(const QString &name)
-{
-    return name == QLatin1String("-");
-}
-
 [[noreturn]] void throwBadFile(const QString &name, const QString &reason)
 {
     const QString file = isStandardInput(name) ? QStringLiteral("standard input") : name;
@@ -65,6 +60,11 @@ QJsonValue normalized(const QJsonValue &value, const Setting *setting)
 }
 
 } // namespace
+
+bool isStandardInput(const QString &name)
+{
+    return name == QLatin1String("-");
+}
 
 QStringList secretSettings(const Catalogue &catalogue)
 {

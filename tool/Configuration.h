@@ -27,6 +27,9 @@ Configuration readConfiguration(const Request &request, const std::optional<QStr
 /// The settings that a configuration leaves out because they are secret.
 QStringList secretSettings(const Catalogue &catalogue);
 
+/// Whether the name of a file stands for standard input.
+bool isStandardInput(const QString &name);
+
 QJsonObject configurationToJson(const Configuration &configuration, const Catalogue &catalogue);
 
 /// Reads what configurationToJson() has written, but no secret that somebody has added; "-" is

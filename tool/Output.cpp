@@ -102,6 +102,11 @@ Output::Output(const OutputOptions &options)
                       qgetenv("TERM") != "dumb";
 }
 
+bool Output::isWritten() const
+{
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
+}
+
 bool Output::showsProgress() const
 {
     return isatty(STDERR_FILENO) && !m_options.quiet;

@@ -27,6 +27,9 @@ public:
 
     bool isJson() const { return m_options.json; }
 
+    /// Whether all that was meant for standard output has got there.
+    bool isWritten() const;
+
     /// Whether a progress bar is of use.
     bool showsProgress() const;
 

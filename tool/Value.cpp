@@ -196,9 +196,10 @@ QVariant argumentFromJson(const QJsonValue &value, const ValueType &type)
 {
     const bool isText = type.name == QLatin1String("QString");
     const bool mayBeText = isText || type.enumeration.isValid();
-    if (value.isString() ? mayBeText : !isText)
+    if (value.isString() ? mayBeText : !isText && !value.isNull())
         return argumentFromText(toText(value), type);
-    throwUnexpected(toText(value), QStringLiteral("of type %1").arg(type.name));
+    const QString text = value.isNull() ? QStringLiteral("null") : toText(value);
+    throwUnexpected(text, QStringLiteral("of type %1").arg(type.name));
 }
 
 QJsonValue toJson(const QVariant &value, const ValueType &type)

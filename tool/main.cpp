@@ -9,8 +9,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTextCodec>
 
-#include <cstdio>
-
 namespace {
 
 ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output &output)
@@ -34,7 +32,7 @@ ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output
 /// What a full disk has swallowed must not pass for done.
 ExitStatus flushed(ExitStatus status, const Output &output)
 {
-    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+    if (output.isWritten())
         return status;
     output.error(QStringLiteral("the output could not be written"));
     return ExitStatus::Failed;

@@ -128,6 +128,13 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
     }
 
+    void monitorEndsWhenItsOutputCannotBeWritten()
+    {
+        const Outcome outcome = run(QStringLiteral("monitor > /dev/full"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
+    }
+
     void failsWhenTheServiceEndsDuringTheCall()
     {
         m_service.start();

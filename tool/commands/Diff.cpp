@@ -8,6 +8,8 @@
 
 #include <QtCore/QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 const QString live = QStringLiteral("live");
@@ -33,12 +35,18 @@ QStringList settingsOf(const Configuration &first, const Configuration &second)
 
 QString textOf(const QJsonValue &value)
 {
-    return value.isUndefined() ? QStringLiteral("(missing)") : toText(value);
+    return value.isUndefined() ? QStringLiteral("(missing)")
+           : value.isNull()    ? QStringLiteral("null")
+                               : toText(value);
 }
 
 ExitStatus run(const Request &request)
 {
     const QStringList sources{request.arguments[0], request.arguments.value(1, live)};
+    if (std::all_of(sources.begin(), sources.end(), isStandardInput)) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("standard input can be compared with something else only"));
+    }
     const Configuration first = configurationOf(sources[0], request);
     const Configuration second = configurationOf(sources[1], request);
 
@@ -79,10 +87,11 @@ Command diffCommand()
     command.completion = Completion::FileOrLive;
     command.summary = QStringLiteral("compare two configurations");
     command.description = QStringList{
-        QStringLiteral("Shows the settings whose values differ. FIRST and SECOND are each a file "
-                       "that dump has written ('-' is standard input), 'collection:ID' for a "
-                       "collection of the service, or 'live' for the collection in use, which "
-                       "SECOND is if it is left away. A file named live is './live'."),
+        QStringLiteral(
+            "Shows the settings whose values differ. FIRST and SECOND are each a file "
+            "that dump has written ('-' is standard input, for one of them), 'collection:ID' for a "
+            "collection of the service, or 'live' for the collection in use, which "
+            "SECOND is if it is left away. A file named live is './live'."),
         QStringLiteral("Secret settings are not compared. The exit status does not tell whether "
                        "there are differences."),
     };

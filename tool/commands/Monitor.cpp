@@ -60,6 +60,8 @@ void print(Output &output, bool isConnected)
         output.table(
             {{time, isConnected ? QStringLiteral("connected") : QStringLiteral("disconnected")}});
     }
+    if (!output.isWritten())
+        QCoreApplication::quit();
 }
 
 ExitStatus run(const Request &request)
@@ -79,7 +81,9 @@ ExitStatus run(const Request &request)
     QObject::connect(&library, &ConfigurationManager::disconnected,
                      [&] { print(request.output, false); });
     print(request.output, library.isConnected());
-    QCoreApplication::exec();
+    // Nobody would see anything any more; the status tells why.
+    if (request.output.isWritten())
+        QCoreApplication::exec();
     session.requireBus();
     return ExitStatus::Done;
 }
