@@ -182,6 +182,14 @@ const Setting *Catalogue::setting(const QString &name) const
     return nullptr;
 }
 
+QStringList Catalogue::settingNames() const
+{
+    QStringList names;
+    for (const Setting &setting : m_settings)
+        names.append(setting.name);
+    return names;
+}
+
 QStringList Catalogue::readableSettings() const
 {
     QStringList names;

@@ -36,6 +36,7 @@ public:
 
     /// The setting of a name, or null.
     const Setting *setting(const QString &name) const;
+    QStringList settingNames() const;
     QStringList readableSettings() const;
     QStringList writableSettings() const;
 

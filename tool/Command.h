@@ -19,6 +19,7 @@ class Output;
 enum class Completion {
     None,
     Operation,
+    OperationOrSetting,
     ReadableSetting,
     WritableSetting,
     ValueList,

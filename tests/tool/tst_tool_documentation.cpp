@@ -59,6 +59,7 @@ private Q_SLOTS:
         row("no value", "embosserctl set KeepFormat KeepF", "");
         row("operations", "embosserctl call clearL", "clearLog\n");
         row("operations to describe", "embosserctl describe getKeepF", "getKeepFormat\n");
+        row("settings to describe", "embosserctl describe KeepF", "KeepFormat\n");
         row("value lists", "embosserctl values Baud", "BaudRate\n");
         row("after options", "embosserctl --json --collection other get PrintSp", "PrintSpeed\n");
         row("no collection", "embosserctl get --collection PrintSp", "");

@@ -84,7 +84,7 @@ Command describeCommand()
     command.arguments = QStringLiteral("OPERATION");
     command.minArguments = 1;
     command.maxArguments = 1;
-    command.completion = Completion::Operation;
+    command.completion = Completion::OperationOrSetting;
     command.summary = QStringLiteral("tell all about an operation");
     command.description = QStringList{
         QStringLiteral("Tells the meaning, parameters, result and remote method of an operation, "

@@ -97,6 +97,8 @@ QStringList candidates(Completion completion, const Catalogue &catalogue)
         return {};
     case Completion::Operation:
         return catalogue.operationNames();
+    case Completion::OperationOrSetting:
+        return catalogue.operationNames() + catalogue.settingNames();
     case Completion::ReadableSetting:
         return catalogue.readableSettings();
     case Completion::WritableSetting:
