@@ -5,6 +5,7 @@
 
 #include "Failure.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
@@ -34,13 +35,15 @@ struct Option
     /// What the value is called; empty for a switch.
     QString valueName;
     QString description;
+    bool isRepeatable = false;
 };
 
 /// What a command is given.
 struct Request
 {
     QStringList arguments;
-    QStringList options;
+    /// The options given, with their values.
+    QHash<QString, QStringList> options;
     std::optional<QString> collection;
     Output &output;
     const Catalogue &catalogue;

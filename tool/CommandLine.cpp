@@ -37,19 +37,13 @@ QString markMinus(QString argument)
     return argument;
 }
 
-QString unmarkMinus(QString argument)
+QStringList unmarkMinus(QStringList arguments)
 {
-    if (argument.startsWith(minusMark))
-        argument[0] = QLatin1Char('-');
-    return argument;
-}
-
-QVector<Option> ownOptions(const QVector<Command> &commands)
-{
-    QVector<Option> options;
-    for (const Command &command : commands)
-        options += command.options;
-    return options;
+    for (QString &argument : arguments) {
+        if (argument.startsWith(minusMark))
+            argument[0] = QLatin1Char('-');
+    }
+    return arguments;
 }
 
 QStringList namesOf(const Option &option)
@@ -134,12 +128,20 @@ const QVector<Option> &commonOptions()
     return options;
 }
 
+QVector<Option> allOptions(const QVector<Command> &commands)
+{
+    QVector<Option> options = commonOptions();
+    for (const Command &command : commands)
+        options += command.options;
+    return options;
+}
+
 CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands)
 {
     QStringList marked;
     std::transform(arguments.begin(), arguments.end(), std::back_inserter(marked), markMinus);
     QCommandLineParser parser;
-    parse(&parser, marked, commonOptions() + ownOptions(commands));
+    parse(&parser, marked, allOptions(commands));
 
     CommandLine line;
     line.help = parser.isSet(helpOption);
@@ -148,11 +150,12 @@ CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command
     line.output.json = parser.isSet(jsonOption);
     line.output.quiet = parser.isSet(quietOption);
     line.output.color = !parser.isSet(noColorOption);
+    for (const QString &name : parser.optionNames())
+        line.options.insert(name, unmarkMinus(parser.values(name)));
     if (parser.isSet(collectionOption))
-        line.collection = unmarkMinus(parser.value(collectionOption));
+        line.collection = line.options.value(collectionOption).last();
 
-    QStringList given = parser.positionalArguments();
-    std::transform(given.begin(), given.end(), given.begin(), unmarkMinus);
+    QStringList given = unmarkMinus(parser.positionalArguments());
     const bool runsNothing = line.help || line.version || !line.generate.isEmpty();
     if (given.isEmpty() && runsNothing)
         return line;
@@ -160,10 +163,9 @@ CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command
         throwUsage(QStringLiteral("a command is missing"));
     line.command = &commandNamed(given.takeFirst(), commands);
     line.arguments = given;
-    line.options = parser.optionNames();
     if (runsNothing)
         return line;
-    checkOptions(line.options, *line.command);
+    checkOptions(parser.optionNames(), *line.command);
     checkArguments(line.arguments, *line.command);
     return line;
 }

@@ -6,6 +6,7 @@
 #include "Command.h"
 #include "Output.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
@@ -14,6 +15,9 @@
 
 /// The options that every command takes.
 const QVector<Option> &commonOptions();
+
+/// These and those of each command.
+QVector<Option> allOptions(const QVector<Command> &commands);
 
 /// The command line, taken apart and checked.
 struct CommandLine
@@ -25,7 +29,7 @@ struct CommandLine
     /// Null only if one of the above is asked for.
     const Command *command = nullptr;
     QStringList arguments;
-    QStringList options;
+    QHash<QString, QStringList> options;
     std::optional<QString> collection;
     OutputOptions output;
 };

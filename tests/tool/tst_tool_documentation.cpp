@@ -63,6 +63,9 @@ private Q_SLOTS:
         row("value lists", "embosserctl values Baud", "BaudRate\n");
         row("after options", "embosserctl --json --collection other get PrintSp", "PrintSpeed\n");
         row("no collection", "embosserctl get --collection PrintSp", "");
+        row("no value of an own option", "embosserctl restore --except conf", "");
+        row("files after an own option", "embosserctl restore --except Model conf",
+            "config one.json\n");
         row("files", "embosserctl restore conf", "config one.json\n");
         row("files or the service", "embosserctl diff li", "live\n");
     }

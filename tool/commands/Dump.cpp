@@ -26,6 +26,8 @@ Command dumpCommand()
                        "and restore read. Secret settings (Passphrase) are left out; their names "
                        "are listed. What the service does not tell is left out as well, and the "
                        "exit status is 1."),
+        QStringLiteral("What identifies the device (SerialNo, MacAddress) is a setting like any "
+                       "other: see the option --except of restore."),
     };
     command.run = run;
     return command;

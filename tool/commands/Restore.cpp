@@ -18,6 +18,8 @@
 
 namespace {
 
+const QString exceptOption = QStringLiteral("except");
+
 /// A setting that the service is to hold with a value.
 struct Target
 {
@@ -200,8 +202,14 @@ ExitStatus print(const Output &output, const Outcomes &outcomes)
 
 ExitStatus run(const Request &request)
 {
-    const Configuration configuration =
-        configurationFromFile(request.arguments[0], request.catalogue);
+    const QStringList exceptions = request.options.value(exceptOption);
+    for (const QString &name : exceptions)
+        writableSetting(request.catalogue, name);
+    Configuration configuration = configurationFromFile(request.arguments[0], request.catalogue);
+    for (const QString &name : exceptions) {
+        configuration.values.remove(name);
+        configuration.ignoredSecrets.removeAll(name);
+    }
     Session session(request.collection);
     session.requireConnection();
     const DeferredSignals untilResultIsTold({SIGINT, SIGTERM});
@@ -225,6 +233,8 @@ Command restoreCommand()
     command.minArguments = 1;
     command.maxArguments = 1;
     command.completion = Completion::File;
+    command.options = {{exceptOption, QStringLiteral("NAME"),
+                        QStringLiteral("leave this setting as it is"), true}};
     command.summary = QStringLiteral("write a configuration back");
     command.description = QStringList{
         QStringLiteral("Writes back the settings in a file that dump has written ('-' is standard "
@@ -235,6 +245,9 @@ Command restoreCommand()
                        "and what has been done by then is told."),
         QStringLiteral("Secret settings stay as they are; one that somebody has put into the file "
                        "counts as not applied."),
+        QStringLiteral("A file also holds what identifies the device that it is of, or belongs to "
+                       "its history, such as SerialNo, Model, MacAddress, WlanMacAddress and "
+                       "Counter. For another device, leave such settings out, each with --except."),
     };
     command.run = run;
     return command;

@@ -13,6 +13,17 @@ QString optionNames(const QVector<Option> &options)
     return names.join(QLatin1Char(' '));
 }
 
+/// A pattern for the options after which a value stands.
+QString optionsWithValue(const QVector<Command> &commands)
+{
+    QStringList names;
+    for (const Option &option : allOptions(commands)) {
+        if (!option.valueName.isEmpty())
+            names.append(QStringLiteral("--") + option.name);
+    }
+    return names.join(QStringLiteral(" | "));
+}
+
 bool takesFiles(Completion completion)
 {
     return completion == Completion::File || completion == Completion::FileOrLive;
@@ -51,10 +62,12 @@ _embosserctl() {
     local options='%1'
     local words='' files='' limit=1000 command='' given=0 i
     COMPREPLY=()
-    [[ $previous == --collection ]] && return
+    case $previous in
+    %4) return ;;
+    esac
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
-        --collection) ((i++)) ;;
+        %4) ((i++)) ;;
         -*) ;;
         *)
             if [[ $command ]]; then
@@ -86,5 +99,6 @@ _embosserctl() {
 }
 complete -F _embosserctl embosserctl
 )")
-        .arg(optionNames(commonOptions()), names.join(QLatin1Char(' ')), branches);
+        .arg(optionNames(commonOptions()), names.join(QLatin1Char(' ')), branches,
+             optionsWithValue(commands));
 }

@@ -79,7 +79,8 @@ QString synopsis(const Command &command)
     if (!command.arguments.isEmpty())
         text += QLatin1Char(' ') + command.arguments;
     for (const Option &option : command.options)
-        text += QStringLiteral(" [%1]").arg(typed(option));
+        text += QStringLiteral(" [%1]%2").arg(
+            typed(option), option.isRepeatable ? QStringLiteral("...") : QString());
     return text;
 }
 

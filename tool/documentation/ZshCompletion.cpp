@@ -15,7 +15,8 @@ QString quoted(QString text)
 
 QString optionSpecification(const Option &option)
 {
-    const QString name = QStringLiteral("--") + option.name;
+    const QString name =
+        (option.isRepeatable ? QStringLiteral("*--") : QStringLiteral("--")) + option.name;
     const QString value =
         option.valueName.isEmpty() ? QString() : QStringLiteral(":%1:").arg(option.valueName);
     return QStringLiteral("    '%1[%2]%3'").arg(name, quoted(option.description), value);
