@@ -18,7 +18,7 @@ namespace {
 // The collections beside the master.
 const QString collectionsScope = QStringLiteral("collections");
 const QString deviceScope = QStringLiteral("device");
-const QString paperSize = QStringLiteral("PaperSize");
+const QString paperSize = Profile::currentPaper();
 
 QString collectionScope(const QString &collection)
 {

@@ -300,6 +300,8 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         m_parameters.insert(name, parameter);
         if (!parameter.row.isEmpty() && !m_rows.contains(parameter.row))
             member["row"].refuse(QStringLiteral("is no value list"));
+        if (name == currentPaper() && !parameter.follows.isEmpty())
+            member["follows"].refuse(QStringLiteral("the current paper cannot follow itself"));
         if (parameter.follows.isEmpty()) {
             const QString objection = objectionTo(name, parameter.initial);
             if (!objection.isEmpty())

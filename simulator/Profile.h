@@ -61,6 +61,9 @@ public:
     static QStringList builtInModels();
     static QString fileOfBuiltIn(const QString &model);
 
+    /// The setting that names the current paper.
+    static QString currentPaper() { return QStringLiteral("PaperSize"); }
+
     /// The name of the file without its suffix.
     QString name() const { return m_name; }
 

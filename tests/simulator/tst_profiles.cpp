@@ -92,6 +92,10 @@ private Q_SLOTS:
         row("unknown property of the paper", R"({"base": "Arvo", "settings": {"PaperWidth": {
 "follows": "depth"}}})",
             2, "settings/PaperWidth/follows: is no property of a paper");
+        row("current paper that follows itself", R"({"base": "Arvo", "settings": {"PaperSize": {
+"default": null, "row": null,
+"follows": "sizeUnit"}}})",
+            3, "settings/PaperSize/follows: the current paper cannot follow itself");
         row("paper that does not fit",
             R"({"base": "Arvo", "settings": {"PaperWidth": {"max": 250.0}}})", 0,
             "papers/110x120: PaperWidth: 279.4 is not between 89 and 250 mm");
