@@ -59,10 +59,17 @@ void UserSettings::replaceCurrent(const QJsonObject &collections, Secrets secret
         }
     }
     for (auto collection = collections.begin(); collection != collections.end(); ++collection) {
-        const QVariantMap values = collection->toObject().toVariantMap();
-        for (const QString &name : values.keys()) {
-            if (!m_configuration.profile().isUserSetting(name))
-                throw unknownName(QStringLiteral("there is no user setting \"%1\"").arg(name));
+        if (!collection->isObject())
+            throw invalidValue(
+                QStringLiteral("the collection \"%1\" is no object").arg(collection.key()));
+        const QVariantMap given = collection->toObject().toVariantMap();
+        QVariantMap values;
+        for (auto value = given.begin(); value != given.end(); ++value) {
+            if (!m_configuration.profile().isUserSetting(value.key()))
+                throw unknownName(
+                    QStringLiteral("there is no user setting \"%1\"").arg(value.key()));
+            if (concerns(value.key(), secrets))
+                values.insert(value.key(), *value);
         }
         m_configuration.setValues(collection.key(), values);
     }
@@ -130,16 +137,31 @@ bool UserSettings::loadFromMedium()
     QFile file(fileOnMedium());
     if (!file.open(QFile::ReadOnly))
         throw failed(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
-    QJsonParseError error;
-    const QJsonDocument content = QJsonDocument::fromJson(file.readAll(), &error);
-    const QJsonValue collections = content.object().value(collectionsMember);
-    if (!collections.isObject())
-        throw failed(
-            QStringLiteral("%1: %2").arg(file.fileName(), error.error == QJsonParseError::NoError
-                                                              ? QStringLiteral("holds no settings")
-                                                              : error.errorString()));
-    replaceCurrent(collections.toObject(), Secrets::Excluded);
+    try {
+        replaceCurrent(collectionsIn(file.readAll()), Secrets::Excluded);
+    } catch (Refusal &refusal) {
+        refusal.message.prepend(file.fileName() + QLatin1String(": "));
+        throw;
+    }
     return true;
+}
+
+QJsonObject UserSettings::collectionsIn(const QByteArray &content) const
+{
+    QJsonParseError error;
+    const QJsonObject members = QJsonDocument::fromJson(content, &error).object();
+    if (error.error != QJsonParseError::NoError)
+        throw failed(error.errorString());
+    const QString ours = m_configuration.profile().name();
+    const QString theirs = members.value(model).toString();
+    if (theirs.isEmpty())
+        throw failed(QStringLiteral("names no model"));
+    if (theirs != ours)
+        throw failed(QStringLiteral("holds settings of the model %1, not %2").arg(theirs, ours));
+    const QJsonObject collections = members.value(collectionsMember).toObject();
+    if (collections.isEmpty())
+        throw failed(QStringLiteral("holds no settings"));
+    return collections;
 }
 
 } // namespace simulator

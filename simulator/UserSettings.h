@@ -48,6 +48,8 @@ private:
     QJsonObject saved() const;
     void setSaved(const QJsonObject &collections);
     QString fileOnMedium() const;
+    /// The content of that file, of which the collections themselves are not looked at.
+    QJsonObject collectionsIn(const QByteArray &content) const;
 
     Configuration &m_configuration;
     Store &m_store;

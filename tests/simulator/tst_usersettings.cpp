@@ -99,18 +99,36 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("said");
-        QTest::newRow("no JSON") << QByteArray("{") << "embosser-settings.json: ";
-        QTest::newRow("no settings") << QByteArray("{}") << "holds no settings";
-        QTest::newRow("unknown setting")
-            << QByteArray(R"({"collections": {"masterCollectionKey": {"Sisd": "x"}}})")
-            << "there is no user setting \"Sisd\"";
-        QTest::newRow("not the user's")
-            << QByteArray(R"({"collections": {"masterCollectionKey": {"SerialNo": "x"}}})")
-            << "there is no user setting \"SerialNo\"";
-        QTest::newRow("out of bounds")
-            << QByteArray(
-                   R"({"collections": {"masterCollectionKey": {"LetterFont": 1, "TabSize": 99}}})")
-            << "TabSize: 99 is none of";
+        const auto row = [](const char *name, const char *content, const char *said) {
+            QTest::newRow(name) << QByteArray(content) << QString::fromLatin1(said);
+        };
+        row("no JSON", "{", "unterminated object");
+        row("no object", "[]", "names no model");
+        row("no settings file", R"({"collections": {}})", "names no model");
+        row("another model",
+            R"({"model": "Arvo", "collections": {"masterCollectionKey": {"LetterFont": 1}}})",
+            "holds settings of the model Arvo, not Kestan");
+        row("no settings", R"({"model": "Kestan"})", "holds no settings");
+        row("no collections", R"({"model": "Kestan", "collections": {}})", "holds no settings");
+        row("collections that are none", R"({"model": "Kestan", "collections": []})",
+            "holds no settings");
+        row("collection that is none",
+            R"({"model": "Kestan", "collections": {"masterCollectionKey": 5}})",
+            "the collection \"masterCollectionKey\" is no object");
+        row("one collection that is none",
+            R"({"model": "Kestan", "collections": {"masterCollectionKey": {"LetterFont": 1},
+                                                   "other": "x"}})",
+            "the collection \"other\" is no object");
+        row("unknown setting",
+            R"({"model": "Kestan", "collections": {"masterCollectionKey": {"Sisd": "x"}}})",
+            "there is no user setting \"Sisd\"");
+        row("not the user's",
+            R"({"model": "Kestan", "collections": {"masterCollectionKey": {"SerialNo": "x"}}})",
+            "there is no user setting \"SerialNo\"");
+        row("out of bounds",
+            R"({"model": "Kestan",
+                "collections": {"masterCollectionKey": {"LetterFont": 1, "TabSize": 99}}})",
+            "TabSize: 99 is none of");
     }
 
     void whatCannotBeUsedOnTheMediumChangesNothing()
@@ -118,14 +136,21 @@ private Q_SLOTS:
         QFETCH(QByteArray, content);
         QFETCH(QString, said);
         set("setSsid", {QStringLiteral("mine"), m_master});
-        QFile file(mediumFile());
-        QVERIFY(file.open(QFile::WriteOnly));
-        file.write(content);
-        file.close();
+        writeMedium(content);
         const QString error = m_simulator.error("loadUserSettingsUSB");
-        QVERIFY2(error.contains(said), qPrintable(error));
+        QVERIFY2(error.startsWith(mediumFile() + ": " + said), qPrintable(error));
         QCOMPARE(m_simulator.value("getSsid", {m_master}), QVariant("mine"));
         QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(0));
+    }
+
+    void aSecretOnTheMediumIsNotTaken()
+    {
+        set("setPassphrase", {QStringLiteral("open sesame"), m_master});
+        writeMedium(R"({"model": "Kestan", "collections": {"masterCollectionKey":
+                        {"Passphrase": "theirs", "LetterFont": 1}}})");
+        QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(true));
+        QCOMPARE(m_simulator.value("getPassphrase", {m_master}), QVariant("open sesame"));
+        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(1));
     }
 
     void aLayoutIsTakenFromAFile()
@@ -175,6 +200,13 @@ private:
     QString mediumFile() const
     {
         return m_directory->filePath(QStringLiteral("embosser-settings.json"));
+    }
+
+    void writeMedium(const QByteArray &content) const
+    {
+        QFile file(mediumFile());
+        QVERIFY(file.open(QFile::WriteOnly));
+        file.write(content);
     }
 
     QByteArray medium() const
