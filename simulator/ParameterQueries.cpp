@@ -218,7 +218,7 @@ Handlers parameterQueries(const Configuration &c)
                     c.initialValue(call.text("name"), call.collectionId()).toInt();
          }},
         {QStringLiteral("getParamIntValue"),
-         [&c](const Call &call) { return qRound(number(c, call)); }},
+         [&c](const Call &call) { return asInteger(number(c, call)); }},
         {QStringLiteral("getParamFloatValue"), [&c](const Call &call) { return number(c, call); }},
         {QStringLiteral("returnDocSettingKey"),
          [&c](const Call &call) { return choiceKey(c, call.text("key"), call.number("number")); }},

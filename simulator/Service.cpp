@@ -11,6 +11,7 @@
 #include "ServiceLog.h"
 #include "Settings.h"
 #include "Store.h"
+#include "Types.h"
 #include "UserSettings.h"
 
 #include <QtCore/QTimer>
@@ -76,9 +77,8 @@ QString nameOf(const Setting &setting, const Call &call)
 /// one and read as the other.
 QVariant converted(const QVariant &value, const QString &dbusType)
 {
-    // A checksum takes all 32 bits, of which the highest is a sign here.
     if (dbusType == QLatin1String("i") && value.userType() == QMetaType::Double)
-        return int(quint32(value.toDouble()));
+        return asInteger(value.toDouble());
     return value;
 }
 

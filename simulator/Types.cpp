@@ -4,6 +4,9 @@
 
 #include <QtDBus/QDBusMetaType>
 
+#include <cmath>
+#include <limits>
+
 namespace simulator {
 
 void registerListTypes()
@@ -18,6 +21,13 @@ void registerListTypes()
 int metaTypeOf(const QString &dbusType)
 {
     return QDBusMetaType::signatureToType(dbusType.toLatin1());
+}
+
+int asInteger(double number)
+{
+    const double lowest = std::numeric_limits<qint32>::min();
+    const double highest = std::numeric_limits<quint32>::max();
+    return int(quint32(qint64(std::round(qBound(lowest, number, highest)))));
 }
 
 } // namespace simulator

@@ -19,6 +19,10 @@ void registerListTypes();
 /// The meta-type id of the C++ type that stands for a setting's D-Bus type.
 int metaTypeOf(const QString &dbusType);
 
+/// The nearest whole number. From 2^31 on it is the negative one of the same 32 bits: a checksum
+/// takes all of them.
+int asInteger(double number);
+
 } // namespace simulator
 
 #endif

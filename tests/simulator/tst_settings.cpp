@@ -60,6 +60,11 @@ private Q_SLOTS:
         QTest::newRow("checksum") << "FileCRC" << 4711.0 << 4711;
         QTest::newRow("checksum with the sign bit") << "FileCRC" << 4023233417.0 << -271733879;
         QTest::newRow("largest checksum") << "FileCRC" << 4294967295.0 << -1;
+        QTest::newRow("checksum as it is read") << "FileCRC" << -1.0 << -1;
+        QTest::newRow("checksum with the sign bit alone")
+            << "FileCRC" << 2147483648.0 << std::numeric_limits<int>::min();
+        QTest::newRow("the same as it is read")
+            << "FileCRC" << -2147483648.0 << std::numeric_limits<int>::min();
     }
 
     void whatIsSetAsDoubleIsReadAsInt()
@@ -70,6 +75,8 @@ private Q_SLOTS:
         const QVariantList master{Simulator::masterCollection()};
         QCOMPARE(m_simulator.error("set" + setting, QVariantList{set} + master), QString());
         QCOMPARE(m_simulator.value("get" + setting, master), QVariant(read));
+        QCOMPARE(m_simulator.value("getParamIntValue", QVariantList{setting} + master),
+                 QVariant(read));
     }
 
     void aValueThatCannotBeIsRefused_data()
@@ -92,6 +99,12 @@ private Q_SLOTS:
             << "setFileSize" << QVariantList{1.5, c} << "FileSize: 1.5 is no whole number";
         QTest::newRow("negative size") << "setFileSize" << QVariantList{-1.0, c}
                                        << "FileSize: -1 is not between 0 and 2147483647 bytes";
+        QTest::newRow("checksum of more than 32 bits")
+            << "setFileCRC" << QVariantList{4294967296.0, c}
+            << "FileCRC: 4294967296 is not between -2147483648 and 4294967295";
+        QTest::newRow("negative checksum of more than 32 bits")
+            << "setFileCRC" << QVariantList{-2147483649.0, c}
+            << "FileCRC: -2147483649 is not between -2147483648 and 4294967295";
         QTest::newRow("number of no list")
             << "setTabSize" << QVariantList{9} << "TabSize: 9 is none of: 1, 2, 3, 4, 5, 6, 7, 8";
         QTest::newRow("text of no list")
