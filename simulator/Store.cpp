@@ -2,6 +2,8 @@
 
 #include "Store.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtSql/QSqlError>
 
 namespace simulator {
@@ -12,13 +14,53 @@ namespace {
 const int applicationId = 0x656d6273; // "embs"
 const int formatVersion = 1;
 
+[[noreturn]] void fail(const QString &file, const QString &reason)
+{
+    throw StoreError(QStringLiteral("%1: %2").arg(file, reason).toStdString());
+}
+
 [[noreturn]] void fail(const QString &file, const QSqlError &error)
 {
     const QString busy = QStringLiteral("5"); // SQLITE_BUSY
     const QString reason = error.nativeErrorCode() == busy
                                ? QStringLiteral("is in use by another process")
                                : error.databaseText().trimmed();
-    throw StoreError(QStringLiteral("%1: %2").arg(file, reason).toStdString());
+    fail(file, reason);
+}
+
+/// The file and those that SQLite keeps beside it.
+QStringList filesOf(const QString &file)
+{
+    QStringList files{file};
+    const QString log = file + QStringLiteral("-wal");
+    if (QFile::exists(log))
+        files += log;
+    return files;
+}
+
+/// SQLite does not tell why it cannot write.
+void requireWritable(const QString &file)
+{
+    for (const QString &each : filesOf(file)) {
+        QFile device(each);
+        if (!device.open(QFile::ReadWrite))
+            fail(each, device.errorString());
+        if (!QFileInfo(each).isFile())
+            fail(each, QStringLiteral("is no regular file"));
+    }
+    if (!QFileInfo(QFileInfo(file).path()).isWritable())
+        fail(file, QStringLiteral("its folder is not writable"));
+}
+
+/// The files hold secrets, and SQLite gives those that it makes the permissions of the first.
+void makeTheOwnersAlone(const QString &file)
+{
+    for (const QString &each : filesOf(file)) {
+        QFile device(each);
+        if (!device.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
+            fail(each,
+                 QStringLiteral("cannot be made its owner's alone: ") + device.errorString());
+    }
 }
 
 } // namespace
@@ -27,6 +69,8 @@ Store::Store(const QString &file)
     : m_file(file),
       m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("state")))
 {
+    if (!file.isEmpty())
+        requireWritable(file);
     m_database.setDatabaseName(file.isEmpty() ? QStringLiteral(":memory:") : file);
     if (!m_database.open())
         fail(m_file, m_database.lastError());
@@ -47,9 +91,16 @@ void Store::createOrCheckTables()
     const bool isNew = number(QStringLiteral("SELECT count(*) FROM sqlite_master")) == 0;
     // Before anything is changed in a file that may be another program's.
     if (!isNew && number(QStringLiteral("PRAGMA application_id")) != applicationId)
-        throw StoreError(m_file.toStdString() + ": is a database of another program");
+        fail(m_file, QStringLiteral("is a database of another program"));
     if (!isNew && number(QStringLiteral("PRAGMA user_version")) != formatVersion)
-        throw StoreError(m_file.toStdString() + ": was written by another version of this program");
+        fail(m_file, QStringLiteral("was written by another version of this program"));
+    if (!m_file.isEmpty())
+        makeTheOwnersAlone(m_file);
+    QSqlQuery check = run(QStringLiteral("PRAGMA quick_check(1)"));
+    if (check.next() && check.value(0) != QStringLiteral("ok"))
+        fail(m_file, QStringLiteral("is damaged: %1")
+                         .arg(check.value(0).toString().section(QLatin1Char('\n'), -1)));
+    check.finish();
     run(QStringLiteral("PRAGMA journal_mode = WAL"));
     // An answered write outlives also a loss of power.
     run(QStringLiteral("PRAGMA synchronous = FULL"));
@@ -89,9 +140,8 @@ void Store::bindTo(const QString &model)
     const QString name = QStringLiteral("model");
     const QVariant stored = value(scope, name);
     if (stored.isValid() && stored != model)
-        throw StoreError(QStringLiteral("%1: holds the state of the model %2, not %3")
-                             .arg(m_file, stored.toString(), model)
-                             .toStdString());
+        fail(m_file, QStringLiteral("holds the state of the model %1, not %2")
+                         .arg(stored.toString(), model));
     setValue(scope, name, model);
 }
 

@@ -52,7 +52,7 @@ private Q_SLOTS:
         row("no such profile", {QStringLiteral("--profile=/nonexistent.json")},
             "/nonexistent.json: No such file or directory");
         row("state in no folder", {QStringLiteral("--state=/nonexistent/state")},
-            "/nonexistent/state: unable to open database file");
+            "/nonexistent/state: No such file or directory");
         row("unknown fault", {QStringLiteral("--fault=slow:getModel")},
             "--fault: there is no fault \"slow\"; there are: error, ");
         row("fault of an unknown method", {QStringLiteral("--fault=error:getModle")},

@@ -7,6 +7,7 @@
 #include <QtTest/QTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 class TestDurability : public QObject
 {
@@ -47,12 +48,23 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
     }
 
-    void theFileIsTheOwnersAlone()
+    void theFilesAreTheOwnersAlone()
     {
         start();
-        struct stat status;
-        QCOMPARE(::stat(qPrintable(m_state), &status), 0);
-        QCOMPARE(int(status.st_mode & (S_IRWXG | S_IRWXO)), 0);
+        expectOwnersAlone();
+    }
+
+    void filesThatOthersMayReadAreMadeTheOwnersAlone()
+    {
+        start();
+        set("setTabSize", {7});
+        // What has been written last is still in the file beside it.
+        m_simulator.process().killAndWait();
+        for (const QString &file : {m_state, m_state + QStringLiteral("-wal")})
+            QCOMPARE(::chmod(qPrintable(file), 0644), 0);
+        start();
+        expectOwnersAlone();
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(7));
     }
 
     void noAnsweredWriteIsLostWhenTheServiceIsKilled()
@@ -98,6 +110,73 @@ private Q_SLOTS:
         expectRefusal({QStringLiteral("--state"), m_state}, "is in use by another process");
     }
 
+    void aDamagedFileIsRefused_data()
+    {
+        QTest::addColumn<int>("offset"); // of the first byte that is lost
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("cut off in its second page") << 6000 << "is damaged: ";
+        QTest::newRow("cut off in its first page") << 3000 << "database disk image is malformed";
+        QTest::newRow("cut off in its header") << 50 << "database disk image is malformed";
+    }
+
+    void aDamagedFileIsRefused()
+    {
+        QFETCH(int, offset);
+        QFETCH(QString, reason);
+        start();
+        m_simulator.process().terminateAndWait();
+        QFile file(m_state);
+        QVERIFY(file.resize(offset));
+        const Ended ended = runSimulator({QStringLiteral("--state"), m_state});
+        QCOMPARE(ended.exitCode, 1);
+        const QString start = QStringLiteral("embosser-simulator: %1: %2").arg(m_state, reason);
+        QVERIFY2(ended.errors.startsWith(start), qPrintable(ended.errors));
+        QCOMPARE(ended.errors.count(QLatin1Char('\n')), 1);
+        QCOMPARE(file.size(), offset);
+    }
+
+    void aFileThatCannotBeWrittenIsRefused_data()
+    {
+        QTest::addColumn<int>("filePermissions");
+        QTest::addColumn<int>("folderPermissions");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("file") << 0444 << 0777 << "Permission denied";
+        QTest::newRow("folder") << 0666 << 0555 << "its folder is not writable";
+        QTest::newRow("file of another user")
+            << 0666 << 0777 << "cannot be made its owner's alone: Operation not permitted";
+    }
+
+    void aFileThatCannotBeWrittenIsRefused()
+    {
+        if (::geteuid() != 0)
+            QSKIP("needs root, to be several users");
+        QFETCH(int, filePermissions);
+        QFETCH(int, folderPermissions);
+        QFETCH(QString, reason);
+        start();
+        m_simulator.process().terminateAndWait();
+        QCOMPARE(::chmod(qPrintable(m_state), mode_t(filePermissions)), 0);
+        QCOMPARE(::chmod(qPrintable(m_directory->path()), mode_t(folderPermissions)), 0);
+        ChildProcess other(QStringLiteral("setpriv"),
+                           {QStringLiteral("--reuid=nobody"), QStringLiteral("--regid=nogroup"),
+                            QStringLiteral("--clear-groups"), simulatorProgram(),
+                            QStringLiteral("--state"), m_state});
+        other.setProcessChannelMode(QProcess::SeparateChannels);
+        other.start();
+        const Ended ended = waitForEnd(other);
+        QCOMPARE(ended.exitCode, 1);
+        QCOMPARE(ended.errors,
+                 QStringLiteral("embosser-simulator: %1: %2\n").arg(m_state, reason));
+    }
+
+    void whatIsNoFileIsRefused()
+    {
+        QCOMPARE(::mkfifo(qPrintable(m_state), 0600), 0);
+        expectRefusal({QStringLiteral("--state"), m_state}, "is no regular file");
+        m_state = m_directory->path();
+        expectRefusal({QStringLiteral("--state"), m_state}, "Is a directory");
+    }
+
     void aFileOfAnotherModelIsRefused()
     {
         start();
@@ -120,6 +199,15 @@ private Q_SLOTS:
 
 private:
     void start() { m_simulator.start({QStringLiteral("--state"), m_state}); }
+
+    void expectOwnersAlone() const
+    {
+        for (const QString &file : {m_state, m_state + QStringLiteral("-wal")}) {
+            struct stat status;
+            QCOMPARE(::stat(qPrintable(file), &status), 0);
+            QCOMPARE(int(status.st_mode & (S_IRWXG | S_IRWXO)), 0);
+        }
+    }
 
     void expectRefusal(const QStringList &arguments, const char *reason) const
     {
