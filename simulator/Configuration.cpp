@@ -8,9 +8,6 @@
 #include "Store.h"
 #include "Types.h"
 
-#include <cmath>
-#include <limits>
-
 namespace simulator {
 
 namespace {
@@ -45,18 +42,6 @@ bool isNumber(const QVariant &value)
     default:
         return false;
     }
-}
-
-bool isWithoutLoss(const QVariant &value, int type)
-{
-    if (value.userType() == type)
-        return true;
-    if (!isNumber(value))
-        return false;
-    const double number = value.toDouble();
-    return type == QMetaType::Double ||
-           (type == QMetaType::Int && number == std::floor(number) &&
-            number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max());
 }
 
 } // namespace
@@ -112,28 +97,38 @@ QVariant Configuration::value(const QString &name, const QString &collection) co
     QVariant value = m_store.value(scopeOf(asked, collection), name);
     if (!value.isValid())
         return initialValue(name, collection);
-    value.convert(metaTypeOf(asked.type));
+    const int type = metaTypeOf(asked.type);
+    // SQLite has no truth values.
+    if (type == QMetaType::Bool && isNumber(value) && (value == 0 || value == 1))
+        value = value.toBool();
+    const QString objection = objectionTo(name, value);
+    if (!objection.isEmpty())
+        throw failed(
+            QStringLiteral("%1: the value in the state does not fit: %2").arg(name, objection));
+    value.convert(type);
     return value;
 }
 
-QVariant Configuration::checked(const QString &name, const QVariant &value) const
+QString Configuration::objectionTo(const QString &name, const QVariant &value) const
 {
     const QString type = setting(name).type;
-    if (!isWithoutLoss(value, metaTypeOf(type)))
-        throw invalidValue(QStringLiteral("%1: takes a value of D-Bus type %2").arg(name, type));
-    QVariant converted = value;
-    converted.convert(metaTypeOf(type));
-    const QString objection = m_profile.objectionTo(name, converted);
-    if (!objection.isEmpty())
-        throw invalidValue(name + QLatin1String(": ") + objection);
-    return converted;
+    const bool fits = isNumber(value) ? type == QLatin1String("i") || type == QLatin1String("d")
+                                      : value.userType() == metaTypeOf(type);
+    return fits ? m_profile.objectionTo(name, value)
+                : QStringLiteral("takes a value of D-Bus type %1").arg(type);
 }
 
 void Configuration::setValue(const QString &name, const QString &collection, const QVariant &value)
 {
+    const QString objection = objectionTo(name, value);
+    if (!objection.isEmpty())
+        throw invalidValue(name + QLatin1String(": ") + objection);
+    QVariant converted = value;
+    converted.convert(metaTypeOf(setting(name).type));
+
     const QString scope = scopeOf(setting(name), collection);
     Store::Transaction transaction(m_store);
-    m_store.setValue(scope, name, checked(name, value));
+    m_store.setValue(scope, name, converted);
     if (setting(name).perCollection && collection != masterCollection())
         m_store.setValue(collectionsScope, collection, true);
     if (name == paperSize) {

@@ -40,6 +40,7 @@ public:
     /// The value of a setting until one is set.
     QVariant initialValue(const QString &name, const QString &collection) const;
 
+    /// Throws a Refusal if what the state has is none that could have been set.
     QVariant value(const QString &name, const QString &collection = masterCollection()) const;
 
     /// Takes a value of the setting's type, or a number that can be converted without loss. What
@@ -69,7 +70,8 @@ public:
     bool removeCollection(const QString &collection);
 
 private:
-    QVariant checked(const QString &name, const QVariant &value) const;
+    /// Why a setting cannot have a value, in words that follow its name; empty if it can.
+    QString objectionTo(const QString &name, const QVariant &value) const;
 
     const Settings &m_settings;
     const Profile &m_profile;

@@ -58,8 +58,7 @@ void makeTheOwnersAlone(const QString &file)
     for (const QString &each : filesOf(file)) {
         QFile device(each);
         if (!device.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
-            fail(each,
-                 QStringLiteral("cannot be made its owner's alone: ") + device.errorString());
+            fail(each, QStringLiteral("cannot be made its owner's alone: ") + device.errorString());
     }
 }
 

@@ -78,7 +78,11 @@ void UserSettings::replaceCurrent(const QJsonObject &collections, Secrets secret
 
 QJsonObject UserSettings::saved() const
 {
-    return QJsonDocument::fromJson(m_store.value(scope, savedName).toString().toUtf8()).object();
+    const QVariant stored = m_store.value(scope, savedName);
+    const QJsonDocument collections = QJsonDocument::fromJson(stored.toString().toUtf8());
+    if (stored.isValid() && !collections.isObject())
+        throw failed(QStringLiteral("the user settings saved in the state cannot be read"));
+    return collections.object();
 }
 
 void UserSettings::setSaved(const QJsonObject &collections)

@@ -4,6 +4,9 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QRandomGenerator>
+#include <QtSql/QSqlDatabase>
+#include <QtSql/QSqlError>
+#include <QtSql/QSqlQuery>
 #include <QtTest/QTest>
 
 #include <sys/stat.h>
@@ -165,8 +168,7 @@ private Q_SLOTS:
         other.start();
         const Ended ended = waitForEnd(other);
         QCOMPARE(ended.exitCode, 1);
-        QCOMPARE(ended.errors,
-                 QStringLiteral("embosser-simulator: %1: %2\n").arg(m_state, reason));
+        QCOMPARE(ended.errors, QStringLiteral("embosser-simulator: %1: %2\n").arg(m_state, reason));
     }
 
     void whatIsNoFileIsRefused()
@@ -197,7 +199,76 @@ private Q_SLOTS:
         QCOMPARE(file.readAll(), QByteArray("Not a database, but somebody's text."));
     }
 
+    void aStoredValueThatDoesNotFitIsAnError_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QString>("said");
+        const auto row = [](const char *title, const char *name, const QVariant &stored,
+                            const char *method, const QString &said) {
+            QTest::newRow(title) << QString::fromLatin1(name) << stored
+                                 << QString::fromLatin1(method)
+                                 << name + (": the value in the state does not fit: " + said);
+        };
+        row("text for a number", "LetterFont", "five", "getLetterFont",
+            "takes a value of D-Bus type i");
+        row("fraction for a whole number", "LetterFont", 2.5, "getLetterFont",
+            "2.5 is no whole number");
+        row("number out of bounds", "LetterFont", 10, "getLetterFont", "10 is not between 0 and 9");
+        row("number for a text", "Ssid", 5, "getSsid", "takes a value of D-Bus type s");
+        row("text for a truth value", "UseAdjustableLinespacing", "1",
+            "getUseAdjustableLinespacing", "takes a value of D-Bus type b");
+        row("number that is no truth value", "UseAdjustableLinespacing", 2,
+            "getUseAdjustableLinespacing", "takes a value of D-Bus type b");
+        row("unknown paper", "PaperSize", "A0", "getPaperWidth", "A0 is none of: 110x120, ");
+        row("secret", "Passphrase", QString(64, QLatin1Char('x')), "getPassphrase",
+            "the value is longer than 63 bytes");
+    }
+
+    void aStoredValueThatDoesNotFitIsAnError()
+    {
+        QFETCH(QString, name);
+        QFETCH(QVariant, stored);
+        QFETCH(QString, method);
+        QFETCH(QString, said);
+        start();
+        m_simulator.process().terminateAndWait();
+        store(QStringLiteral("collection:") + m_master, name, stored);
+        start();
+        const QString error = m_simulator.error(method, {m_master});
+        QVERIFY2(error.startsWith(said), qPrintable(error));
+    }
+
+    void savedUserSettingsThatCannotBeReadAreAnError()
+    {
+        start();
+        m_simulator.process().terminateAndWait();
+        store(QStringLiteral("user settings"), QStringLiteral("saved"), QStringLiteral("{"));
+        start();
+        QCOMPARE(m_simulator.error("loadUserSettings"),
+                 QStringLiteral("the user settings saved in the state cannot be read"));
+    }
+
 private:
+    /// Writes a value into the file as another program could.
+    void store(const QString &scope, const QString &name, const QVariant &value) const
+    {
+        const QString connection = QStringLiteral("test");
+        {
+            QSqlDatabase database =
+                QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+            database.setDatabaseName(m_state);
+            QVERIFY(database.open());
+            QSqlQuery query(database);
+            QVERIFY(query.prepare(QStringLiteral("INSERT INTO setting VALUES (?, ?, ?)")));
+            for (const QVariant &each : {QVariant(scope), QVariant(name), value})
+                query.addBindValue(each);
+            QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+        }
+        QSqlDatabase::removeDatabase(connection);
+    }
+
     void start() { m_simulator.start({QStringLiteral("--state"), m_state}); }
 
     void expectOwnersAlone() const

@@ -129,7 +129,11 @@ private Q_SLOTS:
         QTest::newRow("by a delta")
             << "setIntDeltaValue"
             << QVariantList{QStringLiteral("OddLowPulseTime"), 2147483647, c, false}
-            << "OddLowPulseTime: takes a value of D-Bus type i";
+            << "OddLowPulseTime: 2147484267 is not between 100 and 1500 us";
+        QTest::newRow("by a delta below int")
+            << "setIntDeltaValue"
+            << QVariantList{QStringLiteral("AlignLow"), std::numeric_limits<int>::min(), c, false}
+            << "AlignLow: -2147483648 is not between -100 and 100";
         QTest::newRow("by the name of a text")
             << "setIntValue" << QVariantList{QStringLiteral("Model"), 1, c, false}
             << "Model is no integer, but of D-Bus type s";
@@ -246,7 +250,13 @@ private Q_SLOTS:
         QTest::newRow("of another type")
             << "TabSize" << QVariant("8") << "TabSize: takes a value of D-Bus type i";
         QTest::newRow("no whole number")
-            << "TabSize" << QVariant(2.5) << "TabSize: takes a value of D-Bus type i";
+            << "TabSize" << QVariant(2.5) << "TabSize: 2.5 is none of: 1, 2, ";
+        QTest::newRow("no whole number within bounds")
+            << "AlignHigh" << QVariant(2.5) << "AlignHigh: 2.5 is no whole number";
+        QTest::newRow("more than an int")
+            << "AlignHigh" << QVariant(1e30) << "AlignHigh: 1e+30 is not between -100 and 100";
+        QTest::newRow("a number for a truth value")
+            << "KeepFormat" << QVariant(1) << "KeepFormat: takes a value of D-Bus type b";
         QTest::newRow("a list") << "TabSize" << QVariant(QStringList(QStringLiteral("8")))
                                 << "TabSize: takes a value of D-Bus type i";
     }
@@ -321,7 +331,8 @@ private Q_SLOTS:
         const QString master = Simulator::masterCollection();
         const int most = std::numeric_limits<int>::max();
         QCOMPARE(m_simulator.error("setCounter", {most, 1, master}), QString());
-        QVERIFY(!m_simulator.error("incrementPageCounter", {master}).isEmpty());
+        QCOMPARE(m_simulator.error("incrementPageCounter", {master}),
+                 QStringLiteral("Counter/1: 2147483648 is not between 0 and 2147483647"));
         QCOMPARE(m_simulator.value("getCounter", {1, master}), QVariant(most));
     }
 
