@@ -61,6 +61,28 @@ int readInteger(const JsonNode &node)
     return bits;
 }
 
+/// A length or a factor.
+double readPositive(const JsonNode &node)
+{
+    // Also in hundredths, it is within an int.
+    const double most = 1e6;
+    const double number = node.toNumber();
+    if (number <= 0 || number > most)
+        node.refuse(QStringLiteral("is not above 0 and up to 1000000"));
+    return number;
+}
+
+/// A number that has a key in the enumeration, or that key.
+template<typename Enumeration>
+int readKey(const JsonNode &node)
+{
+    const auto enumeration = QMetaEnum::fromType<Enumeration>();
+    const int value = readInteger(node);
+    if (!enumeration.valueToKey(value))
+        node.refuse(QStringLiteral("is no %1").arg(QString::fromLatin1(enumeration.enumName())));
+    return value;
+}
+
 QVariant readValue(const JsonNode &node, const QString &dbusType)
 {
     if (dbusType == QLatin1String("i"))
@@ -93,6 +115,13 @@ QVector<Choice> choicesOf(const QStringList &keys)
     return choices;
 }
 
+/// The line that a model is of: a V5 variant is of that of its model.
+QString lineOf(const QString &model)
+{
+    const QString variant = QStringLiteral("_V5");
+    return model.endsWith(variant) ? model.chopped(variant.size()) : model;
+}
+
 QVector<Choice> modelChoices()
 {
     using Type = lcm::EnumDetail::EmbosserType;
@@ -108,6 +137,8 @@ QVector<Choice> modelChoices()
 
 QVariantMap readPaper(const JsonNode &node)
 {
+    using FeedType = lcm::EnumDetail::FeedType;
+    using Orientation = lcm::EnumDetail::Orientation;
     const QString inch = QStringLiteral("inch");
     const double millimetresPerInch = 25.4;
 
@@ -115,15 +146,15 @@ QVariantMap readPaper(const JsonNode &node)
                     QStringLiteral("feedStep"), QStringLiteral("printHeadOffset"),
                     QStringLiteral("formatOrientation"), QStringLiteral("loadOrientation"),
                     QStringLiteral("feedType"), QStringLiteral("modelMask")});
-    const double width = node["width"].toNumber();
-    const double height = node["height"].toNumber();
+    const double width = readPositive(node["width"]);
+    const double height = readPositive(node["height"]);
     const QString unit = node["unit"].toText();
     if (unit != inch && unit != QLatin1String("mm"))
         node["unit"].refuse(QStringLiteral("is neither mm nor inch"));
     // Whole millimetres and hundredths.
-    const int hundredths = qRound(node["feedStep"].toNumber() * 100);
+    const int hundredths = qRound(readPositive(node["feedStep"]) * 100);
     if (hundredths <= 0)
-        node["feedStep"].refuse(QStringLiteral("is not above 0"));
+        node["feedStep"].refuse(QStringLiteral("is not above 0 in hundredths"));
     return {{QStringLiteral("width"), width},
             {QStringLiteral("height"), height},
             {QStringLiteral("inchesWidth"), qRound(width / millimetresPerInch)},
@@ -133,9 +164,9 @@ QVariantMap readPaper(const JsonNode &node)
             {QStringLiteral("stepLength"), hundredths / 100},
             {QStringLiteral("stepLengthFraction"), hundredths % 100},
             {QStringLiteral("printHeadOffset"), node["printHeadOffset"].toNumber()},
-            {QStringLiteral("formatOrientation"), readInteger(node["formatOrientation"])},
-            {QStringLiteral("loadOrientation"), readInteger(node["loadOrientation"])},
-            {QStringLiteral("feedType"), readInteger(node["feedType"])},
+            {QStringLiteral("formatOrientation"), readKey<Orientation>(node["formatOrientation"])},
+            {QStringLiteral("loadOrientation"), readKey<Orientation>(node["loadOrientation"])},
+            {QStringLiteral("feedType"), readKey<FeedType>(node["feedType"])},
             {QStringLiteral("modelMask"), readInteger(node["modelMask"])}};
 }
 
@@ -144,8 +175,9 @@ Cell readCell(const JsonNode &node)
     node.allowOnly({QStringLiteral("cellToCell"), QStringLiteral("horizontal"),
                     QStringLiteral("vertical"), QStringLiteral("lineToLine"),
                     QStringLiteral("interline")});
-    return {node["cellToCell"].toNumber(), node["horizontal"].toNumber(),
-            node["vertical"].toNumber(), node["lineToLine"].toNumber(), node["interline"].toBool()};
+    return {readPositive(node["cellToCell"]), readPositive(node["horizontal"]),
+            readPositive(node["vertical"]), readPositive(node["lineToLine"]),
+            node["interline"].toBool()};
 }
 
 QString numberText(double number)
@@ -183,8 +215,9 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
     if (node.has(QStringLiteral("unit")))
         parameter.unit = node["unit"].toText();
     if (isNumeric(setting.type) && parameter.row.isEmpty()) {
-        parameter.min = node["min"].toNumber();
-        parameter.max = node["max"].toNumber();
+        const bool isInteger = setting.type == QLatin1String("i");
+        parameter.min = isInteger ? node["min"].toInteger() : node["min"].toNumber();
+        parameter.max = isInteger ? node["max"].toInteger() : node["max"].toNumber();
         if (*parameter.min > *parameter.max)
             node["min"].refuse(QStringLiteral("is above max"));
         allowed << QStringLiteral("min") << QStringLiteral("max");
@@ -203,6 +236,29 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
     }
     node.allowOnly(allowed);
     return parameter;
+}
+
+/// Refuses answers that contradict each other.
+void checkAnswers(const JsonNode &node)
+{
+    using FeedType = lcm::EnumDetail::FeedType;
+    const int type = readKey<lcm::EnumDetail::EmbosserType>(node["getType"]);
+    const auto feed = FeedType(readKey<FeedType>(node["getFeedType"]));
+    readKey<lcm::EnumDetail::HeadType>(node["getHeadType"]);
+    readKey<lcm::EnumDetail::ModelMask>(node["getModelMask"]);
+
+    QMap<QString, bool> isOfLine;
+    for (const Choice &model : modelChoices())
+        isOfLine[lineOf(model.key)] |= model.value == type;
+    for (auto line = isOfLine.begin(); line != isOfLine.end(); ++line) {
+        const JsonNode answer = node[QStringLiteral("is") + line.key()];
+        if (answer.toBool() != *line)
+            answer.refuse(QStringLiteral("does not agree with getType"));
+    }
+    const QMap<FeedType, const char *> capabilities{{FeedType::Tractor, "hasTractorFeed"},
+                                                    {FeedType::Feeder, "hasFeeder"}};
+    if (capabilities.contains(feed) && !node[capabilities.value(feed)].toBool())
+        node[capabilities.value(feed)].refuse(QStringLiteral("does not agree with getFeedType"));
 }
 
 } // namespace
@@ -235,19 +291,25 @@ Profile::Profile(const QString &file, const Interface &interface, const Settings
     readAnswers(root["answers"], interface);
     for (const QString &name : root["papers"].keys())
         m_papers.insert(name, readPaper(root["papers"][name]));
-    if (m_papers.isEmpty())
-        root["papers"].refuse(QStringLiteral("is empty"));
     for (const QString &name : root["cells"].keys())
         m_cells.insert(name, readCell(root["cells"][name]));
     for (const QString &name : root["lineSpacings"].keys())
-        m_lineSpacings.insert(name, root["lineSpacings"][name].toNumber());
+        m_lineSpacings.insert(name, readPositive(root["lineSpacings"][name]));
+    root["documents"].allowOnly(
+        {QStringLiteral("demo"), QStringLiteral("manual"), QStringLiteral("service")});
     for (const QString &kind : root["documents"].keys()) {
         const JsonNode documents = root["documents"][kind];
         for (const QString &name : documents.keys())
             m_documents[kind].insert(name, documents[name].toText());
     }
+    if (suitablePapers().isEmpty())
+        root["papers"].refuse(QStringLiteral("none suits getMaskValue and getFeedType"));
     readRows(root["rows"]);
     readParameters(root["settings"], settings);
+    requireChoicesOf(currentPaper(), root["papers"]);
+    requireChoicesOf(QStringLiteral("BrailleCellSize"), root["cells"]);
+    requireChoicesOf(QStringLiteral("GraphicCellSize"), root["cells"]);
+    requireChoicesOf(QStringLiteral("BrailleLineSpacing"), root["lineSpacings"]);
     checkPapers(root["papers"]);
     m_layoutParameters = readSettingNames(root["layoutParameters"]);
     m_temporaryProperties = readSettingNames(root["temporaryProperties"]);
@@ -262,6 +324,7 @@ void Profile::readAnswers(const JsonNode &node, const Interface &interface)
             node[name].refuse(QStringLiteral("is no method of the service"));
         m_answers.insert(name, readValue(node[name], method->resultType));
     }
+    checkAnswers(node);
 }
 
 void Profile::readRows(const JsonNode &node)
@@ -278,9 +341,16 @@ void Profile::readRows(const JsonNode &node)
         if (m_rows.contains(name))
             continue;
         names += name;
-        for (const JsonNode &element : node[name].elements())
-            m_rows[name].append(readChoice(element, m_rows.value(name).size()));
-        if (m_rows.value(name).isEmpty())
+        QVector<Choice> &choices = m_rows[name];
+        for (const JsonNode &element : node[name].elements()) {
+            const Choice choice = readChoice(element, choices.size());
+            for (const Choice &other : qAsConst(choices)) {
+                if (choice.key == other.key || choice.value == other.value)
+                    element.refuse(QStringLiteral("has the key or the value of another entry"));
+            }
+            choices.append(choice);
+        }
+        if (choices.isEmpty())
             node[name].refuse(QStringLiteral("is empty"));
     }
     node.allowOnly(names);
@@ -316,6 +386,17 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         if (next == m_parameters.cend() ||
             !(setting.keyed ? next.key().startsWith(name) : next.key() == name))
             node[name].refuse(QString());
+    }
+}
+
+void Profile::requireChoicesOf(const QString &setting, const JsonNode &members) const
+{
+    const QString row = m_parameters.value(setting).row;
+    if (row.isEmpty())
+        JsonNode(m_json)["settings"][setting]["row"].refuse(QString());
+    for (const Choice &choice : m_rows.value(row)) {
+        if (!members.has(choice.key))
+            members[choice.key].refuse(QString());
     }
 }
 

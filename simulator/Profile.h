@@ -101,6 +101,8 @@ private:
     void readAnswers(const JsonNode &node, const Interface &interface);
     void readRows(const JsonNode &node);
     void readParameters(const JsonNode &node, const Settings &settings);
+    /// Refuses a value of the setting that is none of the members.
+    void requireChoicesOf(const QString &setting, const JsonNode &members) const;
     void checkPapers(const JsonNode &node) const;
     void readUserSettings(const JsonNode &node, const Settings &settings);
     QStringList readSettingNames(const JsonNode &node) const;

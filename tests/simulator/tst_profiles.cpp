@@ -105,6 +105,82 @@ private Q_SLOTS:
         row("paper that does not move", R"({"base": "Arvo", "papers": {"A4": {
 "feedStep": 0}}})",
             2, "papers/A4/feedStep: is not above 0");
+        row("paper without width", R"({"base": "Arvo", "papers": {"A4": {
+"width": 0}}})",
+            2, "papers/A4/width: is not above 0");
+        row("paper that is too long for any number of inches",
+            R"({"base": "Arvo", "papers": {"A4": {
+"height": 1e30}}})",
+            2, "papers/A4/height: is not above 0 and up to 1000000");
+        row("paper that moves less than can be told", R"({"base": "Arvo", "papers": {"A4": {
+"feedStep": 0.004}}})",
+            2, "papers/A4/feedStep: is not above 0 in hundredths");
+        row("paper of no orientation", R"({"base": "Arvo", "papers": {"A4": {
+"loadOrientation": 2}}})",
+            2, "papers/A4/loadOrientation: is no Orientation");
+        row("paper of no feed", R"({"base": "Arvo", "papers": {"A4": {
+"feedType": 5}}})",
+            2, "papers/A4/feedType: is no FeedType");
+        row("no paper that suits the model", R"({"base": "Arvo", "answers": {"getMaskValue": 0},
+"papers": {}})",
+            2, "papers: none suits getMaskValue and getFeedType");
+        row("distance below 0", R"({"base": "Arvo", "cells": {"Text_2p5": {
+"cellToCell": -1}}})",
+            2, "cells/Text_2p5/cellToCell: is not above 0");
+        row("factor of 0", R"({"base": "Arvo", "lineSpacings": {
+"Single": 0}})",
+            2, "lineSpacings/Single: is not above 0");
+        row("braille distance that can be set and does not exist",
+            R"({"base": "Arvo", "cells": {
+"Text_2p5": null}})",
+            2, "cells/Text_2p5: is missing");
+        row("graphic distance that can be set and does not exist",
+            R"({"base": "Arvo", "cells": {
+"Graph_1p6": null}})",
+            2, "cells/Graph_1p6: is missing");
+        row("line spacing that can be set and does not exist",
+            R"({"base": "Arvo", "lineSpacings": {
+"Double": null}})",
+            2, "lineSpacings/Double: is missing");
+        row("current paper of any name", R"({"base": "Arvo", "settings": {"PaperSize": {
+"row": null}}})",
+            2, "settings/PaperSize/row: is missing");
+        row("bound beyond an int", R"({"base": "Arvo", "settings": {"AlignLow": {
+"max": 1e30}}})",
+            2, "settings/AlignLow/max: is no 32-bit integer");
+        row("documents of an unknown kind", R"({"base": "Arvo", "documents": {
+"foo": {}}})",
+            2, "documents/foo: is none of: demo, manual, service");
+        row("entry that stands twice in a list", R"({"base": "Arvo", "rows": {"BaudRate": [9600,
+9600]}})",
+            2, "rows/BaudRate/1: has the key or the value of another entry");
+        row("two entries with one value", R"({"base": "Arvo", "rows": {"OnOff": ["Off", "On",
+{"key": "Auto", "value": 1}]}})",
+            2, "rows/OnOff/2: has the key or the value of another entry");
+        row("type that is none", R"({"base": "Arvo", "answers": {
+"getType": 9999}})",
+            2, "answers/getType: is no EmbosserType");
+        row("feed that is none", R"({"base": "Arvo", "answers": {
+"getFeedType": 5}})",
+            2, "answers/getFeedType: is no FeedType");
+        row("head that is none", R"({"base": "Arvo", "answers": {
+"getHeadType": -1}})",
+            2, "answers/getHeadType: is no HeadType");
+        row("mask that is none", R"({"base": "Arvo", "answers": {
+"getModelMask": 8}})",
+            2, "answers/getModelMask: is no ModelMask");
+        row("two models", R"({"base": "Kestan", "answers": {
+"isArvo": true}})",
+            2, "answers/isArvo: does not agree with getType");
+        row("no model", R"({"base": "Kestan_V5", "answers": {
+"isKestan": false}})",
+            2, "answers/isKestan: does not agree with getType");
+        row("tractor that is none", R"({"base": "Arvo", "answers": {
+"hasTractorFeed": false}})",
+            2, "answers/hasTractorFeed: does not agree with getFeedType");
+        row("feeder that is none", R"({"base": "Feyra", "answers": {
+"hasFeeder": false}})",
+            2, "answers/hasFeeder: does not agree with getFeedType");
         row("unknown key of an enumeration", R"({"base": "Arvo", "answers": {
 "getType": "EmbosserType.Avro"}})",
             2, "answers/getType: EmbosserType has no key Avro");
