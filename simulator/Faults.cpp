@@ -91,9 +91,12 @@ void Faults::inject(const QString &kind, const QString &method, quint32 calls,
                     const QString &detail)
 {
     const KindDescription &description = descriptionOf(kind);
-    checkDetail(description, detail);
+    if (method.isEmpty())
+        throw invalidArguments(
+            QStringLiteral("%1 needs the name of a method, or * for any").arg(kind));
     if (method != QLatin1String("*") && !m_interface.method(method))
         throw invalidArguments(QStringLiteral("the service has no method %1").arg(method));
+    checkDetail(description, detail);
     m_pending.append({description.kind, method, calls, detail});
 }
 

@@ -3,6 +3,7 @@
 #include "LayeredJson.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 
@@ -144,14 +145,14 @@ LayeredJson::LayeredJson(const QString &file, const BaseFile &baseFile)
             throw JsonError(layer.file, layer.lines.value(pointer),
                             QStringLiteral("base: is no text"));
         const QString path = baseFile(name.toString(), layer.file);
-        for (const Layer &other : qAsConst(m_layers)) {
-            if (other.file == path)
-                throw JsonError(layer.file, layer.lines.value(pointer),
-                                QStringLiteral("base: %1 is based on itself").arg(path));
-        }
         if (!QFile::exists(path))
             throw JsonError(layer.file, layer.lines.value(pointer),
                             QStringLiteral("base: there is no \"%1\"").arg(name.toString()));
+        for (const Layer &other : qAsConst(m_layers)) {
+            if (QFileInfo(other.file) == QFileInfo(path))
+                throw JsonError(layer.file, layer.lines.value(pointer),
+                                QStringLiteral("base: %1 is based on itself").arg(path));
+        }
         objects.append(read(path));
     }
     for (auto layer = objects.crbegin(); layer != objects.crend(); ++layer)

@@ -67,6 +67,12 @@ Options optionsFrom(const QCoreApplication &application)
         throw UsageError(QStringLiteral("unexpected argument \"%1\"; see --help")
                              .arg(parser.positionalArguments().constFirst())
                              .toStdString());
+    for (const QCommandLineOption &each : {profile, state, usb}) {
+        if (parser.isSet(each) && parser.value(each).isEmpty())
+            throw UsageError(QStringLiteral("--%1 needs the name of a %2")
+                                 .arg(each.names().constFirst(), each.valueName())
+                                 .toStdString());
+    }
     if (parser.isSet(model) && parser.isSet(profile))
         throw UsageError("--model and --profile exclude each other");
     if (parser.isSet(listModels)) {

@@ -49,12 +49,21 @@ private Q_SLOTS:
         row("model and profile",
             {QStringLiteral("--model=Arvo"), QStringLiteral("--profile=/dev/null")},
             "--model and --profile exclude each other");
+        row("profile of no name", {QStringLiteral("--profile"), QString()},
+            "--profile needs the name of a file");
+        row("state of no name", {QStringLiteral("--state"), QString()},
+            "--state needs the name of a file");
+        row("medium of no name", {QStringLiteral("--usb=")}, "--usb needs the name of a directory");
         row("no such profile", {QStringLiteral("--profile=/nonexistent.json")},
             "/nonexistent.json: No such file or directory");
         row("state in no folder", {QStringLiteral("--state=/nonexistent/state")},
             "/nonexistent/state: No such file or directory");
         row("unknown fault", {QStringLiteral("--fault=slow:getModel")},
             "--fault: there is no fault \"slow\"; there are: error, ");
+        row("fault of no method", {QStringLiteral("--fault=error")},
+            "--fault: error needs the name of a method, or * for any");
+        row("fault of no method and no detail", {QStringLiteral("--fault=delay")},
+            "--fault: delay needs the name of a method, or * for any");
         row("fault of an unknown method", {QStringLiteral("--fault=error:getModle")},
             "--fault: the service has no method getModle");
         row("fault without its detail", {QStringLiteral("--fault=delay:getModel")},

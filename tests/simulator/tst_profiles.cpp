@@ -3,6 +3,7 @@
 #include "Simulator.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtTest/QTest>
 
 class TestProfiles : public QObject
@@ -226,6 +227,28 @@ private Q_SLOTS:
                      qPrintable(ended.errors));
         }
         QVERIFY2(ended.errors.contains(reason), qPrintable(ended.errors));
+    }
+
+    void aProfileThatIsItsOwnBaseByAnotherPathIsRefused_data()
+    {
+        QTest::addColumn<QString>("base");
+        QTest::newRow("same folder") << "./cycle.json";
+        QTest::newRow("through the parent")
+            << QStringLiteral("../%1/./cycle.json").arg(QFileInfo(m_directory.path()).fileName());
+        QTest::newRow("link") << "link.json";
+    }
+
+    void aProfileThatIsItsOwnBaseByAnotherPathIsRefused()
+    {
+        QFETCH(QString, base);
+        const QString path =
+            write(QStringLiteral("cycle.json"), QStringLiteral("{\n\"base\": \"%1\"}").arg(base));
+        QFile::link(path, m_directory.filePath(QStringLiteral("link.json")));
+        const Ended ended = runSimulator({QStringLiteral("--profile"), path});
+        QCOMPARE(ended.exitCode, 1);
+        QCOMPARE(ended.errors, QStringLiteral("embosser-simulator: %1:2: base: %2 is based on "
+                                              "itself\n")
+                                   .arg(path, m_directory.filePath(base)));
     }
 
     void aProfileMayChangeOneThingOfAModel()
