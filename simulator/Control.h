@@ -51,7 +51,7 @@ public Q_SLOTS:
     /// Maps with kind, method, calls and detail.
     simulator::MapList Pending() const;
 
-    /// Maps with kind and method, one for each call that met a fault.
+    /// Maps with kind and method, one for each of the last 1000 calls that met a fault.
     simulator::MapList History() const;
 
     /// Has the service come back that a fault has made leave the bus.

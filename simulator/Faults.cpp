@@ -124,6 +124,9 @@ std::optional<Fault> Faults::next(const QString &method)
     });
     if (fault == m_pending.end())
         return {};
+    const int capacity = 1000;
+    if (m_history.size() == capacity)
+        m_history.removeFirst();
     Fault met = *fault;
     met.method = method;
     if (fault->calls > 0 && --fault->calls == 0)

@@ -57,7 +57,7 @@ public:
 
     const QVector<Fault> &pending() const { return m_pending; }
 
-    /// One for each call that met one; `method` is that of the call.
+    /// One for each of the last 1000 calls that met one; `method` is that of the call.
     const QVector<Fault> &history() const { return m_history; }
 
 Q_SIGNALS:

@@ -171,6 +171,26 @@ private Q_SLOTS:
         QCOMPARE(control("History").toList(), QVariantList());
     }
 
+    void theHistoryIsOfTheLastThousandCalls()
+    {
+        const int remembered = 1000;
+        inject("error", "*", 0);
+        m_simulator.error("getType");
+        for (int i = 0; i < remembered - 1; ++i)
+            m_simulator.error("getTabSize");
+        const auto methodOf = [](const QVariant &entry) {
+            return entry.toMap().value(QStringLiteral("method")).toString();
+        };
+        QVariantList history = control("History").toList();
+        QCOMPARE(history.size(), remembered);
+        QCOMPARE(methodOf(history.constFirst()), QStringLiteral("getType"));
+        m_simulator.error("getModel");
+        history = control("History").toList();
+        QCOMPARE(history.size(), remembered);
+        QCOMPARE(methodOf(history.constFirst()), QStringLiteral("getTabSize"));
+        QCOMPARE(methodOf(history.constLast()), QStringLiteral("getModel"));
+    }
+
     void theCommandLineInjectsTheSame()
     {
         m_simulator.start({QStringLiteral("--fault"), QStringLiteral("error:getType:2:a: b"),
