@@ -5,6 +5,7 @@
 #include "Configuration.h"
 #include "Profile.h"
 #include "Refusal.h"
+#include "Settings.h"
 #include "Store.h"
 
 #include <QtCore/QDir>
@@ -38,38 +39,41 @@ QJsonObject UserSettings::current(Secrets secrets) const
 {
     QJsonObject collections;
     for (const QString &collection : m_configuration.collections()) {
+        const QStringList set = m_configuration.namesSetIn(collection);
+        const bool isMaster = collection == Configuration::masterCollection();
         QJsonObject values;
-        for (const QString &name : m_configuration.namesSetIn(collection)) {
-            if (concerns(name, secrets))
+        for (const QString &name : m_configuration.profile().parameters().keys()) {
+            const bool isHere = isMaster || m_configuration.setting(name).perCollection;
+            if (isHere && concerns(name, secrets))
                 values.insert(name,
-                              QJsonValue::fromVariant(m_configuration.value(name, collection)));
+                              set.contains(name)
+                                  ? QJsonValue::fromVariant(m_configuration.value(name, collection))
+                                  : QJsonValue(QJsonValue::Null));
         }
         collections.insert(collection, values);
     }
     return collections;
 }
 
-void UserSettings::replaceCurrent(const QJsonObject &collections, Secrets secrets)
+void UserSettings::apply(const QJsonObject &collections, Secrets secrets)
 {
     Store::Transaction transaction(m_store);
-    for (const QString &collection : m_configuration.collections()) {
-        for (const QString &name : m_configuration.namesSetIn(collection)) {
-            if (concerns(name, secrets))
-                m_configuration.reset(name, collection);
-        }
-    }
     for (auto collection = collections.begin(); collection != collections.end(); ++collection) {
         if (!collection->isObject())
             throw invalidValue(
                 QStringLiteral("the collection \"%1\" is no object").arg(collection.key()));
-        const QVariantMap given = collection->toObject().toVariantMap();
+        const QJsonObject saved = collection->toObject();
         QVariantMap values;
-        for (auto value = given.begin(); value != given.end(); ++value) {
-            if (!m_configuration.profile().isUserSetting(value.key()))
-                throw unknownName(
-                    QStringLiteral("there is no user setting \"%1\"").arg(value.key()));
-            if (concerns(value.key(), secrets))
-                values.insert(value.key(), *value);
+        for (auto value = saved.begin(); value != saved.end(); ++value) {
+            const QString &name = value.key();
+            if (!m_configuration.profile().isUserSetting(name))
+                throw unknownName(QStringLiteral("there is no user setting \"%1\"").arg(name));
+            if (!concerns(name, secrets))
+                continue;
+            if (value->isNull())
+                m_configuration.reset(name, collection.key());
+            else
+                values.insert(name, value->toVariant());
         }
         m_configuration.setValues(collection.key(), values);
     }
@@ -100,7 +104,7 @@ bool UserSettings::load()
 {
     if (!m_store.value(scope, savedName).isValid())
         return false;
-    replaceCurrent(saved(), Secrets::Included);
+    apply(saved(), Secrets::Included);
     return true;
 }
 
@@ -142,7 +146,7 @@ bool UserSettings::loadFromMedium()
     if (!file.open(QFile::ReadOnly))
         throw failed(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
     try {
-        replaceCurrent(collectionsIn(file.readAll()), Secrets::Excluded);
+        apply(collectionsIn(file.readAll()), Secrets::Excluded);
     } catch (Refusal &refusal) {
         refusal.message.prepend(file.fileName() + QLatin1String(": "));
         throw;

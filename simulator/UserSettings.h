@@ -21,12 +21,13 @@ public:
     /// `medium` is the folder that stands for the USB medium.
     UserSettings(Configuration &configuration, Store &store, const QString &medium);
 
+    /// Saves all of them; of one that has not been set, that it has not been.
     void save();
 
-    /// False if none have been saved.
+    /// Brings back what has been saved and changes nothing else. False if nothing has been.
     bool load();
 
-    /// Has the value of a setting, if it is the user's, among those that load() brings back.
+    /// Saves the value of the one setting, if it is the user's.
     void remember(const QString &name, const QString &collection);
 
     /// False if there is no medium.
@@ -42,9 +43,10 @@ private:
     };
 
     bool concerns(const QString &name, Secrets secrets) const;
-    /// The values that have been set, by collection and name.
+    /// The values by collection and name; null is one that has not been set.
     QJsonObject current(Secrets secrets) const;
-    void replaceCurrent(const QJsonObject &collections, Secrets secrets);
+    /// Takes such values; what is not among them stays as it is.
+    void apply(const QJsonObject &collections, Secrets secrets);
     QJsonObject saved() const;
     void setSaved(const QJsonObject &collections);
     QString fileOnMedium() const;

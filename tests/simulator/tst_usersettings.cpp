@@ -47,10 +47,38 @@ private Q_SLOTS:
     void aFlagSavesTheOneSetting()
     {
         set("setSpeechSpeed", {5, m_master, true});
+        set("setSpeechSpeed", {1, m_master, false});
         set("setLetterFont", {5, m_master, false});
+        set("setPassphrase", {QStringLiteral("open sesame"), m_master});
         QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(true));
         QCOMPARE(m_simulator.value("getSpeechSpeed", {m_master}), QVariant(5));
-        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(0));
+        // What has not been saved stays as it is.
+        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(5));
+        QCOMPARE(m_simulator.value("getPassphrase", {m_master}), QVariant("open sesame"));
+    }
+
+    void aFlagChangesOneOfTheSavedSettings()
+    {
+        set("setLetterFont", {3, m_master, false});
+        QCOMPARE(m_simulator.value("saveUserSettings"), QVariant(true));
+        set("setSpeechSpeed", {5, m_master, true});
+        set("setLetterFont", {5, m_master, false});
+        set("setSpeechSpeed", {1, m_master, false});
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(true));
+        QCOMPARE(m_simulator.value("getSpeechSpeed", {m_master}), QVariant(5));
+        QCOMPARE(m_simulator.value("getLetterFont", {m_master}), QVariant(3));
+    }
+
+    void whatFollowsThePaperFollowsItAgain()
+    {
+        QCOMPARE(m_simulator.value("saveUserSettings"), QVariant(true));
+        const QVariant width = m_simulator.value("getPaperWidth", {m_master});
+        set("setPaperSize", {QStringLiteral("A4"), m_master});
+        set("setPaperWidth", {123.5, m_master});
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(true));
+        QCOMPARE(m_simulator.value("getPaperWidth", {m_master}), width);
+        set("setPaperSize", {QStringLiteral("A4"), m_master});
+        QCOMPARE(m_simulator.value("getPaperWidth", {m_master}), QVariant(210.0));
     }
 
     void aFlagDoesNotSaveWhatIsNotTheUsers()
