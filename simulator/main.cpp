@@ -68,7 +68,10 @@ int run(const Options &options)
         faults.inject(fault);
 
     registerListTypes();
-    QDBusConnection bus = QDBusConnection::systemBus();
+    // Not QDBusConnection::systemBus(): it holds calls back until events are processed, and then
+    // lets others overtake them.
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus,
+                                                        QCoreApplication::applicationName());
     if (!bus.isConnected())
         return fail(QStringLiteral("no bus: %1").arg(bus.lastError().message()));
     BusName name(bus, interface.name());

@@ -30,6 +30,33 @@ private Q_SLOTS:
         QCOMPARE(expected.count(QStringLiteral("<method ")), 517);
     }
 
+    void callsAreCarriedOutInTheirOrderFromTheStart()
+    {
+        const int starts = 50;
+        const int batch = 20;
+        for (int i = 0; i < starts; ++i) {
+            m_simulator.process().killAndWait();
+            ChildProcess process(simulatorProgram(), {});
+            process.start();
+            // From before the service is there, so that some reach it as soon as it is.
+            int last = 0; // of those that have been answered
+            for (int number = 1; last == 0;) {
+                QVector<QDBusPendingCall> calls;
+                const int first = number;
+                for (; number < first + batch; ++number)
+                    calls << asyncSetCounter(number);
+                for (int call = 0; call < batch; ++call) {
+                    calls[call].waitForFinished();
+                    if (!calls[call].isError())
+                        last = first + call;
+                }
+            }
+            QCOMPARE(m_simulator.value("getCounter", {1, Simulator::masterCollection()}),
+                     QVariant(last));
+        }
+        m_simulator.start();
+    }
+
     void itsControlIsFoundByIntrospection()
     {
         QString path = QStringLiteral("/");
@@ -143,6 +170,15 @@ private Q_SLOTS:
     }
 
 private:
+    QDBusPendingCall asyncSetCounter(int number) const
+    {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
+                                           Simulator::serviceName(), QStringLiteral("setCounter"));
+        message << number << 1 << Simulator::masterCollection();
+        return m_simulator.connection().asyncCall(message);
+    }
+
     QString introspect(const QString &path) const
     {
         const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(
