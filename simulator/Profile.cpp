@@ -303,7 +303,8 @@ Profile::Profile(const QString &file, const Interface &interface, const Settings
             m_documents[kind].insert(name, documents[name].toText());
     }
     if (suitablePapers().isEmpty())
-        root["papers"].refuse(QStringLiteral("none suits getMaskValue and getFeedType"));
+        root["answers"]["getMaskValue"].refuse(
+            QStringLiteral("there is no paper for it and for getFeedType"));
     readRows(root["rows"]);
     readParameters(root["settings"], settings);
     requireChoicesOf(currentPaper(), root["papers"]);

@@ -122,9 +122,9 @@ private Q_SLOTS:
         row("paper of no feed", R"({"base": "Arvo", "papers": {"A4": {
 "feedType": 5}}})",
             2, "papers/A4/feedType: is no FeedType");
-        row("no paper that suits the model", R"({"base": "Arvo", "answers": {"getMaskValue": 0},
-"papers": {}})",
-            2, "papers: none suits getMaskValue and getFeedType");
+        row("no paper that suits the model", R"({"base": "Arvo", "answers": {
+"getMaskValue": 0}})",
+            2, "answers/getMaskValue: there is no paper for it and for getFeedType");
         row("distance below 0", R"({"base": "Arvo", "cells": {"Text_2p5": {
 "cellToCell": -1}}})",
             2, "cells/Text_2p5/cellToCell: is not above 0");
