@@ -7,6 +7,15 @@
 
 namespace {
 
+QDBusMessage callOf(const QString &method, const QVariantList &arguments)
+{
+    const QString service = Simulator::serviceName();
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
+    message.setArguments(arguments);
+    return message;
+}
+
 QVariant resultOf(const QDBusMessage &reply)
 {
     if (reply.type() != QDBusMessage::ReplyMessage)
@@ -50,10 +59,12 @@ void Simulator::start(const QStringList &arguments)
 
 QDBusMessage Simulator::call(const QString &method, const QVariantList &arguments) const
 {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(serviceName(), QStringLiteral("/"), serviceName(), method);
-    message.setArguments(arguments);
-    return m_connection.call(message);
+    return m_connection.call(callOf(method, arguments));
+}
+
+QDBusPendingCall Simulator::asyncCall(const QString &method, const QVariantList &arguments) const
+{
+    return m_connection.asyncCall(callOf(method, arguments));
 }
 
 QVariant Simulator::value(const QString &method, const QVariantList &arguments) const

@@ -29,6 +29,9 @@ public:
     /// Calls a method of the service. Numbers, texts and truth values are sent as what they are.
     QDBusMessage call(const QString &method, const QVariantList &arguments = {}) const;
 
+    /// The same without waiting for the answer.
+    QDBusPendingCall asyncCall(const QString &method, const QVariantList &arguments = {}) const;
+
     /// What a call answers; stops the test if that is an error.
     QVariant value(const QString &method, const QVariantList &arguments = {}) const;
 

@@ -44,7 +44,8 @@ private Q_SLOTS:
                 QVector<QDBusPendingCall> calls;
                 const int first = number;
                 for (; number < first + batch; ++number)
-                    calls << asyncSetCounter(number);
+                    calls << m_simulator.asyncCall("setCounter",
+                                                   {number, 1, Simulator::masterCollection()});
                 for (int call = 0; call < batch; ++call) {
                     calls[call].waitForFinished();
                     if (!calls[call].isError())
@@ -170,15 +171,6 @@ private Q_SLOTS:
     }
 
 private:
-    QDBusPendingCall asyncSetCounter(int number) const
-    {
-        QDBusMessage message =
-            QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
-                                           Simulator::serviceName(), QStringLiteral("setCounter"));
-        message << number << 1 << Simulator::masterCollection();
-        return m_simulator.connection().asyncCall(message);
-    }
-
     QString introspect(const QString &path) const
     {
         const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(

@@ -292,11 +292,7 @@ private:
 
     QDBusPendingCall write(int number) const
     {
-        QDBusMessage message =
-            QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
-                                           Simulator::serviceName(), QStringLiteral("setCounter"));
-        message << number << 1 << m_master;
-        return m_simulator.connection().asyncCall(message);
+        return m_simulator.asyncCall(QStringLiteral("setCounter"), {number, 1, m_master});
     }
 
     void set(const char *method, const QVariantList &arguments) const
