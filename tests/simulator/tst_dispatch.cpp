@@ -27,7 +27,7 @@ private Q_SLOTS:
         const QString expected = m_xml.mid(m_xml.indexOf(begin)).section(end, 0, 0);
         const QString introspection = introspect(QStringLiteral("/"));
         QCOMPARE(introspection.mid(introspection.indexOf(begin)).section(end, 0, 0), expected);
-        QCOMPARE(expected.count(QStringLiteral("<method ")), 517);
+        QVERIFY(expected.contains(QStringLiteral("<method ")));
     }
 
     void callsAreCarriedOutInTheirOrderFromTheStart()
@@ -88,7 +88,7 @@ private Q_SLOTS:
             QVERIFY2(reply.errorMessage().startsWith(method + QLatin1String(" takes (")),
                      qPrintable(reply.errorMessage()));
         }
-        QCOMPARE(methods, 517);
+        QCOMPARE(methods, m_xml.count(QStringLiteral("<method ")));
     }
 
     void aWrongSignatureIsAnsweredWithTheRightOne()

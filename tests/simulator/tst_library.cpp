@@ -56,7 +56,7 @@ private Q_SLOTS:
                                      "getVerticalDotToDot(QString)"};
 
         LogCapture log;
-        int asked = 0;
+        QVERIFY(!m_slots.isEmpty());
         for (auto slot = m_slots.begin(); slot != m_slots.end(); ++slot) {
             const QByteArray &signature = slot.key();
             // The service is gone for a while after it: it stands in a test of its own.
@@ -69,34 +69,37 @@ private Q_SLOTS:
             QCOMPARE(given.size(), slot->parameterCount());
             callByName(*m_manager, *slot, given);
             QCOMPARE(linesAbout(signature, log), QStringList());
-            ++asked;
         }
-        // 647 slots, without the 347 setters and the restart.
-        QCOMPARE(asked, 299);
     }
 
     void everySetterIsReadByItsGetter()
     {
         LogCapture log;
-        int pairs = 0;
-        for (const QMetaMethod &getter : qAsConst(m_slots)) {
-            const QByteArray name = getter.name().mid(3);
-            const QByteArray setterOfType = "set" + name + '(' + getter.typeName();
-            const bool hasFlag = m_slots.contains(setterOfType + ",bool)");
-            const QMetaMethod setter = m_slots.value(setterOfType + (hasFlag ? ",bool)" : ")"));
-            // A counter is one of several: the getter without a parameter is a short form.
-            if (!getter.name().startsWith("get") || getter.parameterCount() > 0 ||
-                !setter.isValid() || name == "Counter")
+        QByteArrayList withoutGetter;
+        for (const QMetaMethod &setter : qAsConst(m_slots)) {
+            const QByteArray name = setter.name().mid(3);
+            const bool isVariant = (setter.attributes() & QMetaMethod::Cloned) != 0;
+            if (!setter.name().startsWith("set") || isVariant)
                 continue;
+            const QMetaMethod getter = m_slots.value("get" + name + "()");
+            const QByteArrayList types = setter.parameterTypes();
+            const bool hasFlag = types.mid(1) == QByteArrayList{"bool"};
+            if (types.value(0) != getter.typeName() || (types.size() > 1 && !hasFlag)) {
+                withoutGetter << setter.name();
+                continue;
+            }
             for (const QVariant &value : valuesOf(QString::fromLatin1(name))) {
                 callByName(*m_manager, setter,
                            hasFlag ? QVariantList{value, false} : QVariantList{value});
                 QCOMPARE(callByName(*m_manager, getter, {}), value);
             }
             QCOMPARE(linesAbout(name, log), QStringList());
-            ++pairs;
         }
-        QCOMPARE(pairs, 208);
+        // They have one with arguments, of another type, or none.
+        QCOMPARE(withoutGetter, (QByteArrayList{"setCounter", "setFileCRC", "setFileSize",
+                                                "setHammerBatchParameters", "setIntDeltaValue",
+                                                "setIntValue", "setLayoutFromPath", "setLogger",
+                                                "setReleaseTime", "setSensorState"}));
     }
 
     void theCollectionIdIsKeptApart()
