@@ -53,21 +53,19 @@ private Q_SLOTS:
     void theCurrentPaperIsTheOneThatIsSet()
     {
         const QVariantList here{QStringLiteral("a collection")};
+        const QMap<QString, QString> byPaper{
+            {"getPaperWidth", "getWidthForPaper"},
+            {"getPaperLength", "getHeightForPaper"},
+            {"getStepLength", "getStepLengthForPaper"},
+            {"getStepLengthFraction", "getStepLengthFractForPaper"},
+            {"getPrintHeadOffset", "getPrintHeadOffsetForPaper"},
+            {"getFormatOrientation", "getFormatOrientationForPaper"}};
         for (const char *paper : {"A4", "115x110"}) {
             const QString name = QString::fromLatin1(paper);
             QCOMPARE(m_simulator.error("setPaperSize", QVariantList{name} + here), QString());
-            QCOMPARE(m_simulator.value("getPaperWidth", here),
-                     m_simulator.value("getWidthForPaper", {name}));
-            QCOMPARE(m_simulator.value("getPaperLength", here),
-                     m_simulator.value("getHeightForPaper", {name}));
-            QCOMPARE(m_simulator.value("getStepLength", here),
-                     m_simulator.value("getStepLengthForPaper", {name}));
-            QCOMPARE(m_simulator.value("getStepLengthFraction", here),
-                     m_simulator.value("getStepLengthFractForPaper", {name}));
-            QCOMPARE(m_simulator.value("getPrintHeadOffset", here),
-                     m_simulator.value("getPrintHeadOffsetForPaper", {name}));
-            QCOMPARE(m_simulator.value("getFormatOrientation", here),
-                     m_simulator.value("getFormatOrientationForPaper", {name}));
+            for (auto getter = byPaper.begin(); getter != byPaper.end(); ++getter)
+                QCOMPARE(m_simulator.value(getter.key(), here),
+                         m_simulator.value(getter.value(), {name}));
             // A size of one's own lasts until the next paper.
             m_simulator.call("setPaperWidth", QVariantList{123.5} + here);
             QCOMPARE(m_simulator.value("getPaperWidth", here), QVariant(123.5));
