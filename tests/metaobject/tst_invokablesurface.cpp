@@ -218,7 +218,7 @@ private Q_SLOTS:
         const int offset = ConfigurationManager::staticMetaObject.methodOffset();
         void *data[] = {nullptr};
         // What nobody handles comes back, counted from the first number that is free.
-        const int count = signalCount + slotCount;
+        const int count = m_facade.size();
         QCOMPARE(m_manager.qt_metacall(QMetaObject::InvokeMetaMethod, offset + count, data), 0);
         QCOMPARE(m_manager.qt_metacall(QMetaObject::InvokeMetaMethod, offset + count + 7, data), 7);
 
