@@ -21,21 +21,28 @@ is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
+# Sets as_root to what a command begins with to be run as root, or fails with the message. Somebody
+# at a terminal can be asked for a password.
+require_root() {
+    local message=$1
+    as_root=()
+    [ "$(id -u)" -ne 0 ] || return 0
+    as_root=(sudo)
+    [ -t 0 ] || as_root+=(--non-interactive)
+    "${as_root[@]}" true 2>/dev/null || fail "$message"
+}
+
 # Installs what is missing of the given package lists; without root and sudo, says what it is.
 ensure_packages() {
-    local package missing=() sudo=()
+    local package missing=()
     for package in $(packages_of "$@"); do
         is_installed "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    if [ "$(id -u)" -ne 0 ]; then
-        sudo --non-interactive true 2>/dev/null \
-            || fail "neither root nor sudo; please install: ${missing[*]}"
-        sudo=(sudo)
-    fi
+    require_root "neither root nor sudo; please install: ${missing[*]}"
     echo "Installing: ${missing[*]}"
-    "${sudo[@]}" apt-get update --quiet=2
-    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive \
+    "${as_root[@]}" apt-get update --quiet=2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >/dev/null
 }
 
