@@ -218,6 +218,8 @@ QString toText(const QJsonValue &value)
     if (value.isNull())
         return QStringLiteral("(not shown)");
     // A document is an array or an object.
-    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(array.mid(1, array.size() - 2));
+    QJsonArray array;
+    array.append(value);
+    const QByteArray json = QJsonDocument(array).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(json.mid(1, json.size() - 2));
 }
