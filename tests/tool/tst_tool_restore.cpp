@@ -62,6 +62,21 @@ private Q_SLOTS:
         QCOMPARE(run("diff both.json --quiet").output, QByteArray());
     }
 
+    void writesAgainWhatAnotherSettingHasUndone()
+    {
+        ChildProcess simulator(QStringLiteral(SIMULATOR), model("Dovrik"));
+        simulator.startAndReadLine();
+        QCOMPARE(run("set PaperSize A4").status, 0);
+        QCOMPARE(run("set PaperWidth 150").status, 0);
+        QCOMPARE(run("dump > own-width.json").status, 0);
+        QCOMPARE(run("set PaperSize Legal").status, 0);
+        QCOMPARE(run("set PaperWidth 150").status, 0);
+        // The size is written, and thereby the width, which had the right value.
+        QCOMPARE(run("restore own-width.json").status, 0);
+        QCOMPARE(run("get PaperWidth").output, QByteArray("150\n"));
+        QCOMPARE(run("diff own-width.json --quiet").output, QByteArray());
+    }
+
     void tellsOfAValueThatTheServiceHasNotKept()
     {
         RecordingService service(m_bus);

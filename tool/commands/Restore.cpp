@@ -14,7 +14,7 @@
 #include <QtCore/QJsonObject>
 
 #include <csignal>
-#include <utility>
+#include <optional>
 
 namespace {
 
@@ -26,6 +26,9 @@ struct Target
     const Setting *setting;
     QVariant argument;
     QJsonValue value;
+    bool isTried = false;
+    /// Why the service has not taken it the last time.
+    std::optional<QString> refusal;
 };
 
 enum class State {
@@ -54,27 +57,28 @@ public:
     {
     }
 
-    /// One setting may bound another: what was refused is tried again for as long as that helps.
+    /// One setting may bound another, or change it: what the service does not hold is written, and
+    /// that again, until it is what has been written before.
     void apply(const Configuration &configuration, const Catalogue &catalogue)
     {
-        QVector<Target> targets = targetsOf(configuration, catalogue);
-        leaveOutWhatHolds(&targets);
-        int before = 0;
-        do {
-            before = targets.size();
-            write(&targets);
-        } while (!targets.isEmpty() && targets.size() < before);
+        setTargets(configuration, catalogue);
+        QList<QStringList> written;
+        QStringList missing = notHeld();
+        while (!missing.isEmpty() && !written.contains(missing)) {
+            write(missing);
+            written.append(missing);
+            missing = notHeld();
+        }
     }
 
-    /// True at any time, also when apply() has ended by an exception.
+    /// What has been seen, also when apply() has ended by an exception.
     const Outcomes &outcomes() const { return m_outcomes; }
 
 private:
-    QVector<Target> targetsOf(const Configuration &configuration, const Catalogue &catalogue)
+    void setTargets(const Configuration &configuration, const Catalogue &catalogue)
     {
         for (const QString &name : configuration.ignoredSecrets)
             setNotApplied(name, QStringLiteral("a secret is not restored"));
-        QVector<Target> targets;
         const QJsonObject &values = configuration.values;
         for (auto value = values.begin(); value != values.end(); ++value) {
             try {
@@ -82,13 +86,12 @@ private:
                 readableSetting(catalogue, value.key());
                 const QVariant argument =
                     argumentFromJson(value.value(), setting.setter->parameters[0].type);
-                targets.append({&setting, argument, value.value()});
+                m_targets.insert(value.key(), {&setting, argument, value.value(), false, {}});
                 setNotApplied(value.key(), QStringLiteral("not tried"));
             } catch (const Failure &failure) {
                 setNotApplied(value.key(), failure.message());
             }
         }
-        return targets;
     }
 
     void setNotApplied(const QString &name, const QString &reason)
@@ -96,62 +99,56 @@ private:
         m_outcomes.insert(name, {State::NotApplied, reason});
     }
 
-    Outcome read(const Target &target, State whenHeld, State whenUnreadable)
+    Outcome read(const Target &target)
     {
         const Reply reply = m_session.call(*target.setting->getter);
-        if (reply.error)
-            return {whenUnreadable, *reply.error};
         const QJsonValue held = toJson(reply.value, target.setting->getter->result);
-        if (held == target.value)
-            return {whenHeld, {}};
+        if (!reply.error && held == target.value)
+            return {target.isTried ? State::Applied : State::Unchanged, {}};
+        // It says more than what the service holds instead.
+        if (target.refusal)
+            return {State::NotApplied, *target.refusal};
+        if (reply.error)
+            return {target.isTried ? State::Unverified : State::NotApplied, *reply.error};
         return {State::NotApplied, QStringLiteral("the service holds %1").arg(toText(held))};
     }
 
-    void leaveOutWhatHolds(QVector<Target> *targets)
+    /// Reads all targets, since one setting may have changed another.
+    QStringList notHeld()
     {
-        ProgressBar progress(targets->size(), m_showsProgress);
-        QVector<Target> remaining;
-        for (const Target &target : std::as_const(*targets)) {
+        ProgressBar progress(m_targets.size(), m_showsProgress);
+        QStringList names;
+        for (auto target = m_targets.cbegin(); target != m_targets.cend(); ++target) {
             progress.step();
             DeferredSignals::throwIfCome();
-            const Outcome outcome = read(target, State::Unchanged, State::NotApplied);
-            m_outcomes.insert(target.setting->name, outcome);
-            if (outcome.state != State::Unchanged)
-                remaining.append(target);
+            const Outcome outcome = read(*target);
+            m_outcomes.insert(target.key(), outcome);
+            if (outcome.state != State::Unchanged && outcome.state != State::Applied)
+                names.append(target.key());
         }
-        *targets = remaining;
+        return names;
     }
 
-    /// Writes the targets and leaves those that the service does not hold afterwards.
-    void write(QVector<Target> *targets)
+    void write(const QStringList &names)
     {
-        ProgressBar progress(targets->size(), m_showsProgress);
-        for (const Target &target : std::as_const(*targets)) {
+        ProgressBar progress(names.size(), m_showsProgress);
+        for (const QString &name : names) {
             progress.step();
             DeferredSignals::throwIfCome();
+            Target &target = m_targets[name];
             const Reply reply = m_session.call(*target.setting->setter, {target.argument});
-            m_outcomes.insert(target.setting->name,
-                              reply.error
-                                  ? Outcome{State::NotApplied, *reply.error}
+            target.isTried = true;
+            target.refusal = reply.error;
+            m_outcomes.insert(
+                name, reply.error ? Outcome{State::NotApplied, *reply.error}
                                   : Outcome{State::Unverified, QStringLiteral("not read again")});
         }
-        // Only now, since one setting may have changed another.
-        QVector<Target> remaining;
-        for (const Target &target : std::as_const(*targets)) {
-            DeferredSignals::throwIfCome();
-            Outcome &outcome = m_outcomes[target.setting->name];
-            const Outcome found = read(target, State::Applied, State::Unverified);
-            // Why the service has refused it says more than what it holds instead.
-            if (found.state == State::Applied || outcome.state != State::NotApplied)
-                outcome = found;
-            if (outcome.state != State::Applied)
-                remaining.append(target);
-        }
-        *targets = remaining;
     }
 
     Session &m_session;
     bool m_showsProgress;
+    /// By the name of the setting.
+    QMap<QString, Target> m_targets;
     Outcomes m_outcomes;
 };
 
