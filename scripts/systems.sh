@@ -43,9 +43,9 @@ cached_system() {
                 rm -rf {} {}.inventory {}.lock
         # Complete before it has its name, so that an interruption leaves nothing that looks whole.
         new=$system.new
-        rm -rf "$new"
+        rm -rf --one-file-system "$new"
         "$make" "$new" >&2 || {
-            rm -rf "$new"
+            rm -rf --one-file-system "$new"
             fail "the $name system could not be made; if the network or the mirror failed, try again"
         }
         inventory "$new" >"$system.inventory"
