@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// A tour through the library. scripts/demo runs it against the simulated service, and kills and
-// restarts the service when the tour says so.
+// A tour through the library, which waits in the end for the service to leave and to come back.
+// scripts/demo runs it against the simulated service and sees to both.
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 
@@ -89,6 +89,7 @@ void writeAndReadBack(ConfigurationManager &manager)
     manager.setOddHighPulseTime(before + 10);
     say(QStringLiteral("setOddHighPulseTime(%1)").arg(before + 10));
     say(QStringLiteral("getOddHighPulseTime()     %1").arg(manager.getOddHighPulseTime()));
+    manager.setOddHighPulseTime(before);
 }
 
 void switchTheCollection(ConfigurationManager &manager)
@@ -118,7 +119,7 @@ void loseAndFindTheService(ConfigurationManager &manager)
     QObject::connect(&manager, &ConfigurationManager::disconnected, &loop, [&] {
         say(QStringLiteral("disconnected()"));
         say(QStringLiteral("getTabSize()       %1").arg(manager.getTabSize()));
-        say(QStringLiteral("Now the service is started again."));
+        say(QStringLiteral("Waiting for the service to come back ..."));
     });
     QObject::connect(&manager, &ConfigurationManager::connected, &loop, [&] {
         say(QStringLiteral("connected()"));
@@ -126,7 +127,7 @@ void loseAndFindTheService(ConfigurationManager &manager)
         loop.quit();
     });
     say(QStringLiteral("getTabSize()       %1").arg(manager.getTabSize()));
-    say(QStringLiteral("Now the service is killed."));
+    say(QStringLiteral("Waiting for the service to leave ..."));
     loop.exec();
 }
 
