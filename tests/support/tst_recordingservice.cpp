@@ -79,7 +79,7 @@ private Q_SLOTS:
     void countsTheCallsInFlight()
     {
         Answer late = Answer::value(1);
-        late.delayInMilliseconds = 10;
+        late.delayInMilliseconds = 500;
         m_service.setAnswer(late);
         QDBusPendingCall first = m_connection.asyncCall(message(QStringLiteral("getNumber")));
         QDBusPendingCall second = m_connection.asyncCall(message(QStringLiteral("getNumber")));
