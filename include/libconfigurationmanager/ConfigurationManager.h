@@ -26,7 +26,9 @@ class ConfigurationManagerPrivate;
 /// A default cannot be told from a value that happens to be the same.
 ///
 /// Operations may be called from any thread; the calls of one object reach the service one at a
-/// time. The connection is tracked by the event loop of the thread in which the object was made.
+/// time. setCatalogsCollectionId() and setCheckConnection() are not synchronised with them: call
+/// these while no other thread is in an operation of the object. The connection is tracked by the
+/// event loop of the thread in which the object was made.
 ///
 /// Destroying the object leaves its connection to the service open until the process ends, on
 /// purpose: make one object and keep it.
@@ -48,8 +50,6 @@ public:
     void setCheckConnection(bool check);
 
     /// Sets the collection id that operations send from now on, "masterCollectionKey" at first.
-    ///
-    /// Neither this nor setCheckConnection() waits for operations that other threads are in.
     void setCatalogsCollectionId(const QString &id);
 
 Q_SIGNALS:
