@@ -32,7 +32,7 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 Q_SIGNALS:
-    /// A fault has the service leave the bus, for good if it does not say how long.
+    /// A fault has the service leave the bus, for 0 milliseconds until it is told to return.
     void leaveRequested(int milliseconds);
 
 private:

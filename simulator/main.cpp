@@ -64,8 +64,13 @@ int run(const Options &options)
     UserSettings userSettings(configuration, store, options.usbDirectory);
     ServiceLog log;
     Faults faults(interface);
-    for (const QString &fault : options.faults)
-        faults.inject(fault);
+    for (const QString &fault : options.faults) {
+        try {
+            faults.inject(fault);
+        } catch (const Refusal &refusal) {
+            return fail(QStringLiteral("--fault: ") + refusal.message);
+        }
+    }
 
     registerListTypes();
     // Not QDBusConnection::systemBus(): it holds calls back until events are processed, and then
@@ -92,8 +97,9 @@ int run(const Options &options)
     QObject::connect(&service, &Service::leaveRequested, &name, &BusName::leave);
     Control control(faults, log);
     QObject::connect(&control, &Control::returnRequested, &name, &BusName::takeAgain);
-    bus.registerVirtualObject(QStringLiteral("/"), &service);
-    bus.registerObject(Control::path(), &control);
+    if (!bus.registerVirtualObject(QStringLiteral("/"), &service) ||
+        !bus.registerObject(Control::path(), &control))
+        return fail(bus.lastError().message());
 
     for (BusName *each : {&name, &controlName}) {
         const QString reason = each->take();
@@ -117,7 +123,7 @@ int main(int argc, char *argv[])
     try {
         return run(optionsFrom(application));
     } catch (const Refusal &refusal) {
-        return fail(QStringLiteral("--fault: ") + refusal.message);
+        return fail(refusal.message);
     } catch (const std::runtime_error &error) {
         return fail(QString::fromUtf8(error.what()));
     }

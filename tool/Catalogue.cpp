@@ -99,7 +99,8 @@ void Catalogue::readIntrospection()
         bySignature.insert(operation.forms.first().methodSignature(), &operation);
 
     QFile file(introspectionFile);
-    file.open(QFile::ReadOnly);
+    if (!file.open(QFile::ReadOnly))
+        qFatal("%s: %s", qPrintable(introspectionFile), qPrintable(file.errorString()));
     QXmlStreamReader xml(&file);
     QString remoteMethod;
     QHash<QString, QString> annotations;
@@ -142,7 +143,7 @@ void Catalogue::pairSettings()
         }
         return m_settings[indexes.value(name)];
     };
-    for (const Operation &operation : std::as_const(m_operations)) {
+    for (const Operation &operation : qAsConst(m_operations)) {
         if (readsSetting(operation))
             settingOf(operation.settingName()).getter = &operation;
         if (writesSetting(operation))

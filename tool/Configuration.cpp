@@ -99,7 +99,7 @@ Configuration readConfiguration(const Request &request, const std::optional<QStr
             configuration.values.insert(setting.name, toJson(reply.value, setting.getter->result));
         }
     }
-    for (const QString &failure : std::as_const(failures)) {
+    for (const QString &failure : qAsConst(failures)) {
         request.output.error(failure);
         configuration.status = ExitStatus::Failed;
     }

@@ -34,10 +34,12 @@ QString unquoted(const QString &text)
 
 LibraryLog *LibraryLog::s_current = nullptr;
 
-LibraryLog::LibraryLog() : m_previous(qInstallMessageHandler(handle))
+LibraryLog::LibraryLog() : m_previous(qInstallMessageHandler(nullptr))
 {
     Q_ASSERT(!s_current);
     s_current = this;
+    // Only now: other threads may log at any time.
+    qInstallMessageHandler(handle);
     previousFilter = QLoggingCategory::installFilter(nullptr);
     QLoggingCategory::installFilter(keepCriticalLines);
 }

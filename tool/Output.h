@@ -18,8 +18,8 @@ struct OutputOptions
 
 /// Results on standard output, everything else on standard error.
 ///
-/// On a terminal, columns are aligned, headings coloured, and control characters shown as escapes;
-/// elsewhere columns are separated by tabs.
+/// On a terminal, columns are aligned and headings coloured; elsewhere columns are separated by
+/// tabs. Control characters are shown as escapes in columns, and in anything on a terminal.
 class Output
 {
 public:

@@ -22,7 +22,7 @@ ExitStatus run(const Request &request)
     ExitStatus status = ExitStatus::Done;
     QJsonObject values;
     QVector<QStringList> rows;
-    for (const Setting *setting : std::as_const(settings)) {
+    for (const Setting *setting : qAsConst(settings)) {
         const Reply reply = session.call(*setting->getter);
         if (reply.error) {
             request.output.error(about(setting->name, *reply.error));

@@ -60,7 +60,7 @@ ExitStatus run(const Request &request)
 
     if (request.output.isJson()) {
         QJsonArray descriptions;
-        for (const Operation *operation : std::as_const(found))
+        for (const Operation *operation : qAsConst(found))
             descriptions.append(describe(*operation));
         request.output.json(descriptions);
         return ExitStatus::Done;

@@ -25,7 +25,7 @@ struct ProgramText
     static QVector<QStringList> examples();
 };
 
-/// "embosserctl set NAME [VALUE] [OPTION...]"
+/// "embosserctl set NAME [VALUE] [--flag]"
 QString synopsis(const Command &command);
 
 /// An option as it is typed: "--collection ID".
