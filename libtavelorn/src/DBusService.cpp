@@ -8,8 +8,6 @@
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusReply>
 
-#include <utility>
-
 namespace libtavelorn {
 
 namespace {

@@ -8,6 +8,7 @@
 #include <QtCore/QHash>
 #include <QtDBus/QDBusMetaType>
 
+#include <algorithm>
 #include <functional>
 
 namespace {

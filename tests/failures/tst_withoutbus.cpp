@@ -2,7 +2,6 @@
 
 #include "FailedCalls.h"
 
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 /// There is no bus at all: nothing listens at its address.

@@ -8,10 +8,12 @@
 
 LogCapture *LogCapture::s_current = nullptr;
 
-LogCapture::LogCapture() : m_previous(qInstallMessageHandler(handle))
+LogCapture::LogCapture() : m_previous(qInstallMessageHandler(nullptr))
 {
     Q_ASSERT(!s_current);
     s_current = this;
+    // Only now: other threads may log at any time.
+    qInstallMessageHandler(handle);
 }
 
 LogCapture::~LogCapture()
