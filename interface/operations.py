@@ -126,24 +126,18 @@ class Table:
         return self.parameter_meanings.get(parameter.name, "passed on unchanged")
 
 
-def argument_class(parameters, arguments):
-    """The letter of the rule by which the remote arguments follow from the parameters."""
-    types = [p.value_type for p in parameters]
+def is_known(parameters, arguments):
+    """Whether services know a call with such arguments from such parameters."""
     names = [p.name for p in parameters]
-    flagged = names[-1:] == ["flag"] and types[-1] == "bool"
-    if not names:
-        return {(): "A", (COLLECTION_ID,): "B"}.get(tuple(arguments))
-    if len(names) == 1:
-        if arguments == names + [COLLECTION_ID] and types[0] in ("int", "double", "QString"):
-            return "C"
-        return "E" if arguments == names else None
-    if flagged and arguments == names[:-1] + [COLLECTION_ID, "flag"]:
-        if len(names) == 2:
-            return "D"
-        return "F" if types == ["QString", types[1], "bool"] and len(names) == 3 else None
-    if types == ["int", "int"] and arguments == names + [COLLECTION_ID]:
-        return "G"
-    return "H" if arguments == names else None
+    types = [p.value_type for p in parameters]
+    if arguments == names:
+        return True
+    if arguments == names + [COLLECTION_ID]:
+        return types in ([], ["int"], ["double"], ["QString"], ["int", "int"])
+    # A flag comes after the collection id; a key may come before the value.
+    if names[-1:] != ["flag"] or arguments != names[:-1] + [COLLECTION_ID, "flag"]:
+        return False
+    return types[-1] == "bool" and (len(names) == 2 or (len(names) == 3 and types[0] == "QString"))
 
 
 def load(path):
@@ -205,8 +199,8 @@ def _operation(line, family, text):
     for argument in argument_names:
         if argument != COLLECTION_ID and argument not in (p.name for p in parameters):
             raise ValueError(f"remote argument {argument!r} is no parameter")
-    if argument_class(parameters, argument_names) is None:
-        raise ValueError(f"no argument class sends ({arguments}) for ({parameter_texts})")
+    if not is_known(parameters, argument_names):
+        raise ValueError(f"services know no call with ({arguments}) for ({parameter_texts})")
     if not_connected not in NOT_CONNECTED:
         raise ValueError(f"not-connected text {not_connected!r}")
     if not meaning:

@@ -10,6 +10,13 @@ import unittest
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 VERSION, *LIBRARIES = sys.argv[1:]
 
+# The classes that are meant for others, with the operators of a wire type; what they take stands in
+# parentheses.
+INTENDED = re.compile(r"""((vtable|typeinfo|typeinfo\ name)\ for\ )?
+    (libconfigurationmanager::detail::ConfigurationManager|lcm::EnumDetail|libtavelorn::DBusService)
+    (::[^(]*(\(.*\)(\ const)?)?)?
+    |lcm::operator(<<|>>)\(.*\)""", re.VERBOSE)
+
 # What a class with QObject's virtual functions and no others has in its table.
 QOBJECT_VTABLE = 14
 
@@ -63,6 +70,11 @@ class Symbols(unittest.TestCase):
                 found = list(faults(exported(library).keys(), symbols, VERSION))
                 if found:
                     self.fail("\n".join(found))
+
+    def test_are_of_the_intended_classes(self):
+        for library in LIBRARIES:
+            for symbol in written_down(library)[1]:
+                self.assertTrue(INTENDED.fullmatch(demangled(symbol)), demangled(symbol))
 
     def test_are_written_down_for_the_soname(self):
         for library in LIBRARIES:

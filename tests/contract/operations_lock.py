@@ -41,14 +41,14 @@ class Operation(NamedTuple):
         return given if len(given) < len(self.parameters) else None
 
     @property
-    def argument_class(self):
+    def shape(self):
         """How the remote arguments follow from the parameters."""
         count = len(self.parameters)
         if COLLECTION_ID not in self.arguments:
-            return {0: "A", 1: "E"}.get(count, "H")
+            return {0: "nothing", 1: "value"}.get(count, "values")
         if self.parameters and self.parameters[-1].name == "flag":
-            return {2: "D", 3: "F"}[count]
-        return {0: "B", 1: "C", 2: "G"}[count]
+            return {2: "value, id, flag", 3: "key, value, id, flag"}[count]
+        return {0: "id", 1: "value, id", 2: "value, counter, id"}[count]
 
 
 def load():

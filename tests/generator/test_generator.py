@@ -129,13 +129,16 @@ BAD_ROWS = {
          "remote argument '' is no parameter"),
     "the collection id before the value":
         ("void setX(int value) | both | = | @, value | Not connected. | the x",
-         "no argument class sends (@, value) for (int value)"),
+         "services know no call with (@, value) for (int value)"),
+    "the collection id twice":
+        ("int getX() | both | = | @, @ | Not connected. | the x",
+         "services know no call with (@, @) for ()"),
     "a flag that is not sent":
         ("void setX(int value, bool flag = false) | none | = | value, @ | Not connected. | the x",
-         "no argument class sends (value, @) for (int value, bool flag = false)"),
+         "services know no call with (value, @) for (int value, bool flag = false)"),
     "the collection id sent beside several parameters":
         ("int getX(double a, int b) | both | = | a, b, @ | Not connected. | the x",
-         "no argument class sends (a, b, @) for (double a, int b)"),
+         "services know no call with (a, b, @) for (double a, int b)"),
     "an unknown not-connected text":
         ("int getX() | both | = | @ | Not connected | the x",
          "not-connected text 'Not connected'"),

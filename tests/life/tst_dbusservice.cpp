@@ -220,7 +220,7 @@ private Q_SLOTS:
         QVERIFY(std::async(std::launch::async, [&] { return service.isConnected(); }).get());
     }
 
-    void asksTheBusOnlyWhenItIsMade()
+    void askingForTheConnectionCausesNoTraffic()
     {
         BusMonitor monitor(m_bus);
         const DBusService service(m_watching, name, nullptr);

@@ -13,7 +13,6 @@ using libconfigurationmanager::detail::ConfigurationManager;
 
 static_assert(std::is_same_v<ConfigurationList, lcm::ConfigurationList>);
 static_assert(std::is_same_v<ConfigurationList, QList<QPair<QString, QVariantMap>>>);
-static_assert(sizeof(lcm::PropList) == sizeof(QVector<QVariantMap>));
 static_assert(!QTypeInfo<lcm::PropList>::isStatic, "movable");
 
 namespace {
