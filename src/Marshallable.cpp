@@ -9,6 +9,7 @@
 #include <QtCore/QSequentialIterable>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusMetaType>
+#include <QtDBus/QDBusUnixFileDescriptor>
 #include <QtDBus/QDBusVariant>
 
 namespace libconfigurationmanager {
@@ -45,19 +46,58 @@ QString problemInMap(const QAssociativeIterable &map, int depth)
     return {};
 }
 
+/// Of a part of a message that was received. One that somebody writes cannot be looked into.
+QString problemInPart(const QDBusArgument &part, int depth)
+{
+    QString problem;
+    switch (part.currentType()) {
+    case QDBusArgument::ArrayType:
+        for (part.beginArray(); !part.atEnd() && problem.isEmpty();)
+            problem = problemOf(part.asVariant(), depth + 1);
+        break;
+    case QDBusArgument::StructureType:
+        for (part.beginStructure(); !part.atEnd() && problem.isEmpty();)
+            problem = problemOf(part.asVariant(), depth + 1);
+        break;
+    case QDBusArgument::MapType:
+        for (part.beginMap(); !part.atEnd() && problem.isEmpty(); part.endMapEntry()) {
+            part.beginMapEntry();
+            part.asVariant();
+            problem = problemOf(part.asVariant(), depth + 2);
+        }
+        break;
+    default:
+        break;
+    }
+    return problem;
+}
+
+/// Whether the value is one of a type that D-Bus knows, and has nothing in it.
+bool isEmpty(const QVariant &value)
+{
+    const int type = value.userType();
+    if (type == qMetaTypeId<QDBusArgument>()) {
+        const QString signature = value.value<QDBusArgument>().currentSignature();
+        return signature.isEmpty() || signature.contains(QLatin1String("()"));
+    }
+    return type == QMetaType::UnknownType ||
+           (type == qMetaTypeId<QDBusObjectPath>() &&
+            value.value<QDBusObjectPath>().path().isEmpty()) ||
+           (type == qMetaTypeId<QDBusSignature>() &&
+            value.value<QDBusSignature>().signature().isEmpty()) ||
+           (type == qMetaTypeId<QDBusUnixFileDescriptor>() &&
+            !value.value<QDBusUnixFileDescriptor>().isValid());
+}
+
 QString problemOf(const QVariant &value, int depth)
 {
     const int type = value.userType();
-    if (type == QMetaType::UnknownType)
+    if (isEmpty(value))
         return QStringLiteral("there is no value to send");
     if (depth > maximumDepth)
         return QStringLiteral("too many maps and lists in each other");
-    // A part of a message that was received.
-    if (type == qMetaTypeId<QDBusArgument>()) {
-        return value.value<QDBusArgument>().currentSignature().isEmpty()
-                   ? QStringLiteral("there is no value to send")
-                   : QString();
-    }
+    if (type == qMetaTypeId<QDBusArgument>())
+        return problemInPart(value.value<QDBusArgument>(), depth);
     if (!QDBusMetaType::typeToSignature(type)) {
         return QStringLiteral("a value of the type %1 cannot be sent")
             .arg(QString::fromLatin1(value.typeName()));
