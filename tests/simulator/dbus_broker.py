@@ -2,15 +2,18 @@
 """dbus_broker.py SOCKET CONFIGURATION: becomes a system bus of dbus-broker, without systemd.
 
 Runs in a mount name space of its own: the launcher insists on a journal, and gets one that is only
-read away.
+read away, and on the identity of the machine, which a new system may not have.
 """
 
 import os
 import socket
 import subprocess
 import sys
+import tempfile
+import uuid
 
 JOURNAL = "/run/systemd/journal/socket"
+IDENTITY = "/etc/machine-id"
 
 
 def main(path, configuration):
@@ -21,6 +24,12 @@ def main(path, configuration):
     if os.fork() == 0:
         while True:
             journal.recv(1 << 20)
+
+    with tempfile.NamedTemporaryFile("w") as identity:
+        os.chmod(identity.name, 0o444)
+        identity.write(uuid.uuid4().hex + "\n")
+        identity.flush()
+        subprocess.run(["mount", "--bind", identity.name, IDENTITY], check=True)
 
     bus = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
     bus.bind(path)
