@@ -5,6 +5,8 @@
 #include "RecordingService.h"
 #include "SampleValues.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QHash>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QSet>
 #include <QtDBus/QDBusMetaType>
@@ -54,6 +56,27 @@ private Q_SLOTS:
     void withoutTheServiceEveryOperationLogsThatItIsNotConnected()
     {
         QCOMPARE(deviations(m_facade, allSlots(), notConnectedLine()), QString());
+    }
+
+    void itsCategoryIsTheOneDescribedAndCriticalUnlessAskedForMore()
+    {
+        QFile file(QStringLiteral(CATEGORIES_FILE));
+        QVERIFY(file.open(QFile::ReadOnly));
+        const QByteArray description = file.readAll().split('\n').value(1);
+        QVERIFY(description.endsWith("DEFAULT_SEVERITY [CRITICAL]"));
+
+        // Is told of all categories that there are, when it is installed.
+        static QHash<QByteArray, QLoggingCategory *> categories;
+        QLoggingCategory::installFilter(
+            QLoggingCategory::installFilter([](QLoggingCategory *category) {
+                categories.insert(category->categoryName(), category);
+            }));
+        const QLoggingCategory *category = categories.value(description.split(' ').constFirst());
+        QVERIFY(category);
+        QVERIFY(category->isCriticalEnabled());
+        QVERIFY(!category->isWarningEnabled());
+        QVERIFY(!category->isInfoEnabled());
+        QVERIFY(!category->isDebugEnabled());
     }
 
     void withoutTheServiceAndWithoutItsCategoryNothingIsLogged()
