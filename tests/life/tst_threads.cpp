@@ -107,6 +107,23 @@ private Q_SLOTS:
         QCOMPARE(log.takeLines().size(), 1);
     }
 
+    void anAbsentServiceIsNoticedWithoutWaitingForACall()
+    {
+        m_service.setAnswer(Answer::silence());
+        LogCapture log;
+        std::future<int> stuck =
+            std::async(std::launch::async, [this] { return m_manager.getTabSize(); });
+        QVERIFY(QTest::qWaitFor([this] { return !m_service.takeCalls().isEmpty(); }));
+        m_service.leaveTheBus();
+        QTRY_VERIFY(!m_manager.isConnected());
+
+        QCOMPARE(m_manager.getTabSize(), 0);
+        QCOMPARE(log.takeLines().size(), 1);
+        QVERIFY(isWaiting(stuck));
+        m_service.kill();
+        QCOMPARE(stuck.get(), 0);
+    }
+
     void anotherThreadMayAskForTheConnection()
     {
         QVERIFY(std::async(std::launch::async, [this] { return m_manager.isConnected(); }).get());

@@ -39,6 +39,11 @@ QVector<RecordedCall> Recorder::takeCalls()
     return std::exchange(m_calls, {});
 }
 
+void Recorder::leaveTheBus()
+{
+    QDBusConnection::systemBus().unregisterService(recordedName);
+}
+
 int Recorder::mostCallsInFlight() const
 {
     return m_mostInFlight;

@@ -22,6 +22,7 @@ public Q_SLOTS:
     void setAnswer(const QString &member, const Answer &answer);
     QVector<RecordedCall> takeCalls();
     int mostCallsInFlight() const;
+    void leaveTheBus();
 
 private:
     void give(const Answer &answer, const QDBusMessage &call, const QDBusConnection &connection);

@@ -22,6 +22,11 @@ void RecordingService::kill()
     m_program.killAndWait();
 }
 
+void RecordingService::leaveTheBus()
+{
+    control(QStringLiteral("leaveTheBus"));
+}
+
 bool RecordingService::waitForExit()
 {
     return m_program.waitForFinished();

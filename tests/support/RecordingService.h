@@ -24,6 +24,9 @@ public:
     /// Ends the program at once, as a crash would.
     void kill();
 
+    /// Gives the name of the service up; calls that wait for an answer go on waiting.
+    void leaveTheBus();
+
     /// Returns whether the program ends of itself, as with Answer::exit() it does.
     bool waitForExit();
 

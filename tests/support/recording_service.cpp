@@ -21,7 +21,7 @@ int main(int argc, char *argv[])
     QDBusConnection recorded = QDBusConnection::systemBus();
     if (!control.registerObject(recordingPath, &recorder, QDBusConnection::ExportAllSlots) ||
         !recorded.registerVirtualObject(QStringLiteral("/"), &recorder, QDBusConnection::SubPath) ||
-        !recorded.registerService(QStringLiteral("com.tavelornbraille.ConfigurationManager")))
+        !recorded.registerService(recordedName))
         qFatal("%s", qPrintable(recorded.lastError().message()));
 
     QTextStream(stdout) << control.baseService() << Qt::endl;

@@ -92,9 +92,8 @@ private Q_SLOTS:
 private:
     static QDBusMessage message(const QString &member)
     {
-        return QDBusMessage::createMethodCall(
-            QStringLiteral("com.tavelornbraille.ConfigurationManager"),
-            QStringLiteral("/some/path"), QStringLiteral("some.Interface"), member);
+        return QDBusMessage::createMethodCall(recordedName, QStringLiteral("/some/path"),
+                                              QStringLiteral("some.Interface"), member);
     }
 
     QDBusMessage call(const QString &member, const QVariantList &arguments = {})
