@@ -27,6 +27,13 @@ QVector<QMetaMethod> slotsThat(Condition condition)
     return methods;
 }
 
+/// The operations without their variants.
+QVector<QMetaMethod> fullForms()
+{
+    return slotsThat(
+        [](const QMetaMethod &slot) { return !(slot.attributes() & QMetaMethod::Cloned); });
+}
+
 QString signatureOf(const QVariant &value)
 {
     return QString::fromLatin1(QDBusMetaType::typeToSignature(value.userType()));
@@ -154,8 +161,7 @@ private Q_SLOTS:
     void everyLineNamesThePlaceOfItsOwnOperation()
     {
         QSet<int> places;
-        const QVector<QMetaMethod> operations = slotsThat(
-            [](const QMetaMethod &slot) { return !(slot.attributes() & QMetaMethod::Cloned); });
+        const QVector<QMetaMethod> operations = fullForms();
         for (const QMetaMethod &slot : operations) {
             LogCapture log;
             callByName(m_facade, slot, sampleArguments(slot));
@@ -166,14 +172,10 @@ private Q_SLOTS:
 
     void aServiceThatEndsInTheMiddleOfACallIsNoticedAtOnce_data()
     {
-        // One operation of each result: the service must be started anew for each call.
+        // Without the variants, since the service must be started anew for each call.
         QTest::addColumn<int>("method");
-        QSet<QByteArray> types;
-        for (const QMetaMethod &slot : allSlots()) {
-            if (!types.contains(slot.typeName()))
-                QTest::newRow(slot.methodSignature().constData()) << slot.methodIndex();
-            types << slot.typeName();
-        }
+        for (const QMetaMethod &slot : fullForms())
+            QTest::newRow(slot.methodSignature().constData()) << slot.methodIndex();
     }
 
     void aServiceThatEndsInTheMiddleOfACallIsNoticedAtOnce()
