@@ -52,19 +52,26 @@ QString problemInPart(const QDBusArgument &part, int depth)
     QString problem;
     switch (part.currentType()) {
     case QDBusArgument::ArrayType:
-        for (part.beginArray(); !part.atEnd() && problem.isEmpty();)
+        part.beginArray();
+        while (!part.atEnd() && problem.isEmpty())
             problem = problemOf(part.asVariant(), depth + 1);
+        part.endArray();
         break;
     case QDBusArgument::StructureType:
-        for (part.beginStructure(); !part.atEnd() && problem.isEmpty();)
+        part.beginStructure();
+        while (!part.atEnd() && problem.isEmpty())
             problem = problemOf(part.asVariant(), depth + 1);
+        part.endStructure();
         break;
     case QDBusArgument::MapType:
-        for (part.beginMap(); !part.atEnd() && problem.isEmpty(); part.endMapEntry()) {
+        part.beginMap();
+        while (!part.atEnd() && problem.isEmpty()) {
             part.beginMapEntry();
             part.asVariant();
             problem = problemOf(part.asVariant(), depth + 2);
+            part.endMapEntry();
         }
+        part.endMap();
         break;
     default:
         break;

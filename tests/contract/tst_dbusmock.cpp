@@ -53,6 +53,7 @@ private:
         calls.beginArray();
         for (; !calls.atEnd(); ++count)
             calls.asVariant();
+        calls.endArray();
         return count;
     }
 

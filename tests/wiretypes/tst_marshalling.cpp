@@ -112,6 +112,7 @@ private Q_SLOTS:
         argument.beginArray();
         QCOMPARE(readKeys(argument), ascendingKeys);
         QVERIFY(argument.atEnd());
+        argument.endArray();
     }
 
     void theKeysOfAConfigurationAreWrittenInAscendingOrder()
@@ -125,6 +126,8 @@ private Q_SLOTS:
         argument >> name;
         QCOMPARE(name, QStringLiteral("name"));
         QCOMPARE(readKeys(argument), ascendingKeys);
+        argument.endStructure();
+        argument.endArray();
     }
 
     void readingAPropListAppends()
