@@ -22,7 +22,7 @@ EXTRA_OECMAKE += " \
 PACKAGECONFIG ??= ""
 PACKAGECONFIG[simulator] = "-DLIBCONFIGURATIONMANAGER_SIMULATOR=ON,-DLIBCONFIGURATIONMANAGER_SIMULATOR=OFF"
 PACKAGECONFIG[tool] = "-DLIBCONFIGURATIONMANAGER_TOOL=ON,-DLIBCONFIGURATIONMANAGER_TOOL=OFF"
-# The maker's libtavelorn, from a recipe of that name, instead of the one here.
+# The embosser manufacturer's libtavelorn, from a recipe of that name, instead of the one here.
 PACKAGECONFIG[installed-libtavelorn] = "-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=ON,-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=OFF,libtavelorn"
 
 PACKAGES =+ "${PN}-simulator ${PN}-tool"
@@ -41,5 +41,6 @@ FILES:${PN}-tool = " \
 "
 FILES:${PN}-dev += " \
     ${datadir}/dbus-1/interfaces \
+    ${datadir}/libconfigurationmanager \
     ${datadir}/qlogging-categories5 \
 "

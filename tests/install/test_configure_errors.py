@@ -51,6 +51,11 @@ class ConfigureErrors(unittest.TestCase):
                           "LIBCONFIGURATIONMANAGER_SIMULATOR LIBCONFIGURATIONMANAGER_SIMULATOR_")
         self.assertEqual(self.configure().returncode, 0)
 
+    def test_benchmarks_without_tests(self):
+        self.assert_error(self.configure("-DLIBCONFIGURATIONMANAGER_BENCHMARKS=ON",
+                                         "-DBUILD_TESTING=OFF"),
+                          "The benchmarks use the tests' bus and service: set -DBUILD_TESTING=ON")
+
     def test_a_compiler_that_is_too_old(self):
         compiler = self.write("g++", '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=7 "$@"\n')
         compiler.chmod(0o755)
