@@ -3,10 +3,13 @@
 
 import os
 import pathlib
+import re
 import subprocess
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ["BUILD_DIR"])
+CACHE = (BUILD / "CMakeCache.txt").read_text()
+VERSION = re.search(r"^CMAKE_PROJECT_VERSION:\w+=(.*)$", CACHE, re.MULTILINE).group(1)
 
 
 def run(*command, **environment):

@@ -42,6 +42,14 @@ class BuiltFiles(unittest.TestCase):
         needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", file)))
         self.assertEqual(needed - COMPILER, NEEDED[str(file.relative_to(self.prefix))])
 
+    def test_are_linked_with_all_that_they_use_and_nothing_else(self):
+        # Nothing shows it in files that do.
+        commands = run("ninja", "-C", BUILD, "-t", "commands", "all")
+        for library in ("libconfigurationmanager", "libtavelorn"):
+            command = re.search(rf"^.* -Wl,-soname,{library}\.so.*$", commands, re.MULTILINE)
+            self.assertRegex(command.group(), r"--no-undefined\b")
+            self.assertRegex(command.group(), r"--as-needed\b")
+
     @of_each_file
     def test_are_bound_before_they_run_and_read_only_then(self, file):
         self.assertIn("GNU_RELRO", run("readelf", "--segments", file))

@@ -7,7 +7,7 @@ import subprocess
 import tempfile
 import unittest
 
-from project import BUILD, SOURCE, install, run
+from project import SOURCE, VERSION, install, run
 
 CONSUMER = SOURCE / "tests/install/consumer"
 RUN = CONSUMER / "run-with-simulator"
@@ -49,6 +49,30 @@ class Consumers(unittest.TestCase):
         run("qmake", "-o", self.folder / "Makefile", CONSUMER / "consumer.pro", **environment)
         run("make", "-C", self.folder, **environment)
         self.assert_runs(self.folder / "consumer")
+
+    def test_of_the_support_library_alone(self):
+        self.folder.mkdir()
+        program = self.folder / "main.cpp"
+        program.write_text("#include <libtavelorn/DBusService.h>\n"
+                           "int main() { return sizeof(libtavelorn::DBusService) == 0; }\n")
+        (self.folder / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.22)\n"
+            "project(consumer LANGUAGES CXX)\n"
+            "find_package(libtavelorn REQUIRED)\n"
+            "add_executable(consumer main.cpp)\n"
+            "target_link_libraries(consumer PRIVATE libtavelorn::libtavelorn)\n")
+        run("cmake", "-S", self.folder, "-B", self.folder / "build",
+            f"-DCMAKE_PREFIX_PATH={self.prefix}")
+        run("cmake", "--build", self.folder / "build")
+
+        flags = run("pkg-config", "--cflags", "--libs", "libtavelorn",
+                    PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig")
+        run("g++", "-fPIC", program, *flags.split(), "-o", self.folder / "consumer")
+
+    def test_are_told_the_version(self):
+        for package in ("libconfigurationmanager", "libtavelorn"):
+            self.assertEqual(run("pkg-config", "--modversion", package,
+                                 PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig"), VERSION + "\n")
 
     def test_of_another_major_version_are_refused(self):
         shutil.copytree(CONSUMER, self.folder)

@@ -7,7 +7,7 @@ import re
 import tempfile
 import unittest
 
-from project import BUILD, SOURCE, install
+from project import CACHE, SOURCE, VERSION, install
 
 RECIPE = next((SOURCE / "packaging/yocto").glob("*.bb"))
 TEXT = RECIPE.read_text()
@@ -18,18 +18,15 @@ FOLDERS = {"bindir": "bin", "datadir": "share", "nonarch_libdir": "lib"}
 
 class Recipe(unittest.TestCase):
     def test_has_the_version_of_the_project(self):
-        cache = (BUILD / "CMakeCache.txt").read_text()
-        version = re.search(r"^CMAKE_PROJECT_VERSION:\w+=(.*)$", cache, re.MULTILINE).group(1)
-        self.assertEqual(RECIPE.stem, f"libconfigurationmanager_{version}")
+        self.assertEqual(RECIPE.stem, f"libconfigurationmanager_{VERSION}")
 
     def test_has_the_sum_of_the_licence(self):
         digest = hashlib.md5((SOURCE / "LICENSE").read_bytes()).hexdigest()
         self.assertIn(f"file://LICENSE;md5={digest}", TEXT)
 
     def test_uses_options_that_there_are(self):
-        cache = (BUILD / "CMakeCache.txt").read_text()
         for option in set(re.findall(r"-D(\w+)=", TEXT)):
-            self.assertRegex(cache, rf"(?m)^{option}:BOOL=", option)
+            self.assertRegex(CACHE, rf"(?m)^{option}:BOOL=", option)
 
     def test_packs_what_is_installed(self):
         packed = {f"{FOLDERS[folder]}/{rest}"
