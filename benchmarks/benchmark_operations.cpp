@@ -4,6 +4,7 @@
 
 #include "PrivateBus.h"
 #include "RecordingService.h"
+#include "ServiceName.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 
@@ -17,7 +18,6 @@ using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
 
-const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 const QString objectPath = QStringLiteral("/");
 const QString collectionId = QStringLiteral("masterCollectionKey");
 

@@ -3,6 +3,7 @@
 #include "ContractLine.h"
 
 #include "SampleValues.h"
+#include "ServiceName.h"
 #include "TypedCalls.h"
 
 #include <QtCore/QHash>
@@ -77,8 +78,7 @@ QString remoteMethodOf(const ObservedCall &call)
     if (call.arrived.size() != 1)
         return QStringLiteral("%1 messages").arg(call.arrived.size());
     const RecordedCall &arrived = call.arrived.constFirst();
-    const QString name = QStringLiteral("com.tavelornbraille.ConfigurationManager");
-    if (arrived.path == QStringLiteral("/") && arrived.interface == name)
+    if (arrived.path == QStringLiteral("/") && arrived.interface == serviceName)
         return arrived.member;
     return QStringLiteral("%1 %2.%3").arg(arrived.path, arrived.interface, arrived.member);
 }

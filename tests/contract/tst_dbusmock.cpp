@@ -5,6 +5,7 @@
 #include "NamedCall.h"
 #include "PrivateBus.h"
 #include "SampleValues.h"
+#include "ServiceName.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 
@@ -43,9 +44,7 @@ private:
     {
         const QDBusMessage reply =
             m_bus.connect(QStringLiteral("calls"))
-                .call(QDBusMessage::createMethodCall(QStringLiteral("com.tavelornbraille."
-                                                                    "ConfigurationManager"),
-                                                     QStringLiteral("/"),
+                .call(QDBusMessage::createMethodCall(serviceName, QStringLiteral("/"),
                                                      QStringLiteral("org.freedesktop.DBus.Mock"),
                                                      QStringLiteral("GetCalls")));
         const auto calls = reply.arguments().value(0).value<QDBusArgument>();

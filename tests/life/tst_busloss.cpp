@@ -2,6 +2,7 @@
 
 #include "LogCapture.h"
 #include "PrivateBus.h"
+#include "ServiceName.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 #include <libtavelorn/DBusService.h>
@@ -21,7 +22,7 @@ private Q_SLOTS:
     void isALeavingOfEveryServiceThatWasThere()
     {
         QDBusConnection owner = m_bus.connect(QStringLiteral("owner"));
-        QVERIFY(owner.registerService(QStringLiteral("com.tavelornbraille.ConfigurationManager")));
+        QVERIFY(owner.registerService(serviceName));
         ConfigurationManager manager(nullptr);
         QSignalSpy disconnected(&manager, &ConfigurationManager::disconnected);
         QVERIFY(manager.isConnected());

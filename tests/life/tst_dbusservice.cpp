@@ -2,6 +2,7 @@
 
 #include "BusMonitor.h"
 #include "RecordingService.h"
+#include "ServiceName.h"
 
 #include <libtavelorn/DBusService.h>
 
@@ -20,8 +21,6 @@
 using libtavelorn::DBusService;
 
 namespace {
-
-const QString name = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 
 /// The signals of a service, in their order.
 class Signals
@@ -58,20 +57,20 @@ class TestDBusService : public QObject
 private Q_SLOTS:
     void cleanup()
     {
-        m_first.unregisterService(name);
-        m_second.unregisterService(name);
+        m_first.unregisterService(serviceName);
+        m_second.unregisterService(serviceName);
     }
 
     // First: Qt holds the signals of the system bus back until the event loop runs for the first
     // time, and may then deliver newer ones before them.
     void knowsTheLastOfTheChangesBeforeTheEventLoopStarted()
     {
-        const DBusService service(QDBusConnection::systemBus(), name, nullptr);
-        const QString laterName = name + QStringLiteral(".Later");
+        const DBusService service(QDBusConnection::systemBus(), serviceName, nullptr);
+        const QString laterName = serviceName + QStringLiteral(".Later");
         const DBusService later(QDBusConnection::systemBus(), laterName, nullptr);
-        QVERIFY(m_first.registerService(name));
+        QVERIFY(m_first.registerService(serviceName));
         // Not waited for, so that the leaving arrives when the event loop starts.
-        m_first.interface()->asyncCall(QStringLiteral("ReleaseName"), name);
+        m_first.interface()->asyncCall(QStringLiteral("ReleaseName"), serviceName);
         m_first.interface()->asyncCall(QStringLiteral("RequestName"), laterName, 0U);
         QTRY_VERIFY(later.isConnected());
         QVERIFY(m_first.unregisterService(laterName));
@@ -81,34 +80,34 @@ private Q_SLOTS:
 
     void tellsWhenTheServiceComesAndWhenItLeaves()
     {
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
         QVERIFY(!service.isConnected());
 
-        QVERIFY(m_first.registerService(name));
+        QVERIFY(m_first.registerService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("connected"));
-        QVERIFY(m_first.unregisterService(name));
+        QVERIFY(m_first.unregisterService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected"));
-        QVERIFY(m_second.registerService(name));
+        QVERIFY(m_second.registerService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected connected"));
         QVERIFY(seen.areConsistent());
     }
 
     void knowsAtOnceOfAServiceThatIsThere()
     {
-        QVERIFY(m_first.registerService(name));
-        const DBusService service(m_watching, name, nullptr);
+        QVERIFY(m_first.registerService(serviceName));
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
         QVERIFY(service.isConnected());
 
-        QVERIFY(m_first.unregisterService(name));
+        QVERIFY(m_first.unregisterService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("disconnected"));
     }
 
     void takesAReplacedOwnerForALeavingAndAComing()
     {
         own(m_first);
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
         own(m_second);
         QTRY_COMPARE(seen.texts(), QStringLiteral("disconnected connected"));
@@ -118,11 +117,11 @@ private Q_SLOTS:
 
     void tellsThatTheServiceCameWhenItLeavesAtOnce()
     {
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
         for (int i = 0; i < 2; ++i) {
-            QVERIFY(m_first.registerService(name));
-            QVERIFY(m_first.unregisterService(name));
+            QVERIFY(m_first.registerService(serviceName));
+            QVERIFY(m_first.unregisterService(serviceName));
         }
         QTRY_COMPARE(seen.texts(), QStringLiteral("connected disconnected connected disconnected"));
         QVERIFY(seen.areConsistent());
@@ -130,13 +129,13 @@ private Q_SLOTS:
 
     void tellsOfNoOwnerTwice()
     {
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
-        const QString laterName = name + QStringLiteral(".Later");
+        const QString laterName = serviceName + QStringLiteral(".Later");
         const DBusService later(m_watching, laterName, nullptr);
-        QVERIFY(m_first.registerService(name));
-        QVERIFY(m_first.unregisterService(name));
-        QVERIFY(m_second.registerService(name));
+        QVERIFY(m_first.registerService(serviceName));
+        QVERIFY(m_first.unregisterService(serviceName));
+        QVERIFY(m_second.registerService(serviceName));
         QVERIFY(m_first.registerService(laterName));
         QTRY_VERIFY(later.isConnected());
         QVERIFY(m_first.unregisterService(laterName));
@@ -145,11 +144,11 @@ private Q_SLOTS:
 
     void tellsThatTheServiceLeftWhenItIsBackAtOnce()
     {
-        QVERIFY(m_first.registerService(name));
-        const DBusService service(m_watching, name, nullptr);
+        QVERIFY(m_first.registerService(serviceName));
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
-        QVERIFY(m_first.unregisterService(name));
-        QVERIFY(m_first.registerService(name));
+        QVERIFY(m_first.unregisterService(serviceName));
+        QVERIFY(m_first.registerService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("disconnected connected"));
         QVERIFY(seen.areConsistent());
     }
@@ -168,8 +167,8 @@ private Q_SLOTS:
         QFETCH(const bool, replaced);
         QFETCH(const QString, texts);
         own(m_first);
-        const DBusService service(m_watching, name, nullptr);
-        const QString laterName = name + QStringLiteral(".Later");
+        const DBusService service(m_watching, serviceName, nullptr);
+        const QString laterName = serviceName + QStringLiteral(".Later");
         const DBusService later(m_watching, laterName, nullptr);
         const Signals seen(service);
         bool entered = false;
@@ -179,7 +178,7 @@ private Q_SLOTS:
             if (replaced)
                 own(m_first);
             else
-                QVERIFY(m_second.unregisterService(name));
+                QVERIFY(m_second.unregisterService(serviceName));
             // What comes after that change has been told, so it has been told itself.
             QVERIFY(m_first.registerService(laterName));
             QTRY_VERIFY(later.isConnected());
@@ -195,7 +194,7 @@ private Q_SLOTS:
     void movesToAnotherThreadAsAWhole()
     {
         QThread thread;
-        auto *service = new DBusService(m_watching, name, nullptr);
+        auto *service = new DBusService(m_watching, serviceName, nullptr);
         std::atomic<QThread *> told = nullptr;
         connect(
             service, &DBusService::connected, service, [&] { told = QThread::currentThread(); },
@@ -203,7 +202,7 @@ private Q_SLOTS:
         connect(&thread, &QThread::finished, service, &QObject::deleteLater);
         service->moveToThread(&thread);
         thread.start();
-        QVERIFY(m_first.registerService(name));
+        QVERIFY(m_first.registerService(serviceName));
         QTRY_COMPARE(told.load(), &thread);
         thread.quit();
         QVERIFY(thread.wait());
@@ -211,34 +210,34 @@ private Q_SLOTS:
 
     void heedsNoOtherService()
     {
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         const Signals seen(service);
-        QVERIFY(m_first.registerService(name + QStringLiteral(".Other")));
+        QVERIFY(m_first.registerService(serviceName + QStringLiteral(".Other")));
         QVERIFY(m_first.registerService(QStringLiteral("com.tavelornbraille")));
-        QVERIFY(m_first.registerService(name));
+        QVERIFY(m_first.registerService(serviceName));
         QTRY_COMPARE(seen.texts(), QStringLiteral("connected"));
     }
 
     void isNotConnectedWithoutABus()
     {
-        DBusService service(QDBusConnection(QStringLiteral("none")), name, nullptr);
+        DBusService service(QDBusConnection(QStringLiteral("none")), serviceName, nullptr);
         QVERIFY(!service.isConnected());
-        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), name);
+        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), serviceName);
         QVERIFY(proxy);
         QCOMPARE(proxy->call(QStringLiteral("getTabSize")).type(), QDBusMessage::ErrorMessage);
     }
 
     void isReadableFromAnotherThread()
     {
-        QVERIFY(m_first.registerService(name));
-        const DBusService service(m_watching, name, nullptr);
+        QVERIFY(m_first.registerService(serviceName));
+        const DBusService service(m_watching, serviceName, nullptr);
         QVERIFY(std::async(std::launch::async, [&] { return service.isConnected(); }).get());
     }
 
     void asksTheBusAfterItHasSubscribedAndThenNoMore()
     {
         BusMonitor monitor(m_bus);
-        const DBusService service(m_watching, name, nullptr);
+        const DBusService service(m_watching, serviceName, nullptr);
         // The question comes last, so that no change falls between it and the subscription.
         QCOMPARE(monitor.takeCalls(m_watching).last(),
                  QStringLiteral("org.freedesktop.DBus GetNameOwner"));
@@ -249,11 +248,11 @@ private Q_SLOTS:
 
     void makesProxiesThatItOwns()
     {
-        auto service = std::make_unique<DBusService>(m_watching, name, nullptr);
+        auto service = std::make_unique<DBusService>(m_watching, serviceName, nullptr);
         const QString path = QStringLiteral("/some/path");
         const QString interface = QStringLiteral("some.Interface");
         const QPointer<QDBusAbstractInterface> proxy = service->interface(path, interface);
-        QCOMPARE(proxy->service(), name);
+        QCOMPARE(proxy->service(), serviceName);
         QCOMPARE(proxy->path(), path);
         QCOMPARE(proxy->interface(), interface);
         QCOMPARE(proxy->connection().baseService(), m_watching.baseService());
@@ -266,8 +265,8 @@ private Q_SLOTS:
         RecordingService recording(m_bus);
         recording.start();
         recording.setAnswer(Answer::value(8));
-        DBusService service(m_watching, name, nullptr);
-        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), name);
+        DBusService service(m_watching, serviceName, nullptr);
+        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), serviceName);
         QVERIFY(recording.takeCalls().isEmpty());
 
         const QDBusReply<int> reply = proxy->call(QStringLiteral("getTabSize"));
@@ -278,7 +277,8 @@ private Q_SLOTS:
     void belongsToItsParent()
     {
         auto parent = std::make_unique<QObject>();
-        const QPointer<DBusService> service = new DBusService(m_watching, name, parent.get());
+        const QPointer<DBusService> service =
+            new DBusService(m_watching, serviceName, parent.get());
         QCOMPARE(service->parent(), parent.get());
         parent.reset();
         QVERIFY(!service);
@@ -289,7 +289,8 @@ private:
     static void own(const QDBusConnection &connection)
     {
         QCOMPARE(connection.interface()
-                     ->registerService(name, QDBusConnectionInterface::ReplaceExistingService,
+                     ->registerService(serviceName,
+                                       QDBusConnectionInterface::ReplaceExistingService,
                                        QDBusConnectionInterface::AllowReplacement)
                      .value(),
                  QDBusConnectionInterface::ServiceRegistered);

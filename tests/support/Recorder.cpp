@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Recorder.h"
+#include "ServiceName.h"
 
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusConnection>
@@ -41,7 +42,7 @@ QVector<RecordedCall> Recorder::takeCalls()
 
 void Recorder::leaveTheBus()
 {
-    QDBusConnection::systemBus().unregisterService(recordedName);
+    QDBusConnection::systemBus().unregisterService(serviceName);
 }
 
 int Recorder::mostCallsInFlight() const

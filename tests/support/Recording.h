@@ -58,7 +58,6 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, Answer &answer);
 
 void registerRecordingTypes();
 
-inline const QString recordedName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 inline const QString recordingPath = QStringLiteral("/recording");
 inline const QString recordingInterface = QStringLiteral("tests.RecordingService");
 

@@ -4,6 +4,7 @@
 // the test tells it, once it is ready.
 
 #include "Recorder.h"
+#include "ServiceName.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTextStream>
@@ -21,7 +22,7 @@ int main(int argc, char *argv[])
     QDBusConnection recorded = QDBusConnection::systemBus();
     if (!control.registerObject(recordingPath, &recorder, QDBusConnection::ExportAllSlots) ||
         !recorded.registerVirtualObject(QStringLiteral("/"), &recorder, QDBusConnection::SubPath) ||
-        !recorded.registerService(recordedName))
+        !recorded.registerService(serviceName))
         qFatal("%s", qPrintable(recorded.lastError().message()));
 
     QTextStream(stdout) << control.baseService() << Qt::endl;

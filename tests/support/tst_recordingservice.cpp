@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "RecordingService.h"
+#include "ServiceName.h"
 
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
@@ -92,7 +93,7 @@ private Q_SLOTS:
 private:
     static QDBusMessage message(const QString &member)
     {
-        return QDBusMessage::createMethodCall(recordedName, QStringLiteral("/some/path"),
+        return QDBusMessage::createMethodCall(serviceName, QStringLiteral("/some/path"),
                                               QStringLiteral("some.Interface"), member);
     }
 

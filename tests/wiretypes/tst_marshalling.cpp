@@ -2,6 +2,7 @@
 
 #include "LogCapture.h"
 #include "RecordingService.h"
+#include "ServiceName.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 
@@ -324,9 +325,8 @@ private:
     /// Sends one value to the service, and returns what has arrived there.
     RecordedCall send(const QVariant &value)
     {
-        const QString name = QStringLiteral("com.tavelornbraille.ConfigurationManager");
-        QDBusMessage message =
-            QDBusMessage::createMethodCall(name, QStringLiteral("/"), name, QStringLiteral("take"));
+        QDBusMessage message = QDBusMessage::createMethodCall(serviceName, QStringLiteral("/"),
+                                                              serviceName, QStringLiteral("take"));
         message.setArguments({value});
         m_service.setAnswer(Answer());
         m_service.takeCalls();

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_SUPPORT_SERVICENAME_H
+#define TESTS_SUPPORT_SERVICENAME_H
+
+#include <QtCore/QString>
+
+/// The bus name of the configuration service, and the name of its interface.
+inline const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
+
+#endif
