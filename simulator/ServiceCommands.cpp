@@ -4,6 +4,7 @@
 
 #include "Call.h"
 #include "Configuration.h"
+#include "Files.h"
 #include "Profile.h"
 #include "Refusal.h"
 #include "ServiceLog.h"
@@ -15,7 +16,6 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtCore/QSaveFile>
 
 namespace simulator {
 
@@ -71,11 +71,7 @@ void writeLegacyJson(const Configuration &configuration, const QString &path)
     QJsonObject content;
     for (const auto &part : configurationReport(configuration))
         content.insert(part.first, QJsonObject::fromVariantMap(part.second));
-    QSaveFile file(path);
-    file.open(QFile::WriteOnly);
-    file.write(QJsonDocument(content).toJson());
-    if (!file.commit())
-        throw failed(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    writeFile(path, QJsonDocument(content).toJson());
 }
 
 /// A layout is a JSON object of settings; its name is that of the file unless it says another.

@@ -3,6 +3,7 @@
 #include "UserSettings.h"
 
 #include "Configuration.h"
+#include "Files.h"
 #include "Profile.h"
 #include "Refusal.h"
 #include "Settings.h"
@@ -11,7 +12,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
-#include <QtCore/QSaveFile>
 
 namespace simulator {
 
@@ -128,13 +128,9 @@ bool UserSettings::saveToMedium() const
 {
     if (m_medium.isEmpty() || !QDir(m_medium).exists())
         return false;
-    QSaveFile file(fileOnMedium());
     const QJsonObject content{{model, m_configuration.profile().name()},
                               {collectionsMember, current(Secrets::Excluded)}};
-    file.open(QFile::WriteOnly);
-    file.write(QJsonDocument(content).toJson());
-    if (!file.commit())
-        throw failed(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    writeFile(fileOnMedium(), QJsonDocument(content).toJson());
     return true;
 }
 

@@ -8,11 +8,20 @@
 #include <QtCore/QJsonObject>
 #include <QtTest/QTest>
 
+#include <csignal>
+#include <sys/resource.h>
+
 class TestUserSettings : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        // The simulator inherits it: a file that cannot grow is an error, not the end.
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
+
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
@@ -110,6 +119,27 @@ private Q_SLOTS:
         set("setPassphrase", {QStringLiteral("new sesame"), m_master});
         QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(true));
         QCOMPARE(m_simulator.value("getPassphrase", {m_master}), QVariant("new sesame"));
+    }
+
+    void whatIsOnAFullMediumStays()
+    {
+        set("setSsid", {QStringLiteral("mine"), m_master});
+        QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(true));
+        const QByteArray saved = medium();
+        set("setSsid", {QStringLiteral("changed"), m_master});
+        letNoFileGrow();
+        QCOMPARE(m_simulator.error("saveUserSettingsUSB"),
+                 mediumFile() + QStringLiteral(": File too large"));
+        QCOMPARE(medium(), saved);
+        // Nor is there a part of the new one.
+        QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files).size(), 1);
+    }
+
+    void aMediumThatCannotBeWrittenIsAnError()
+    {
+        QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("embosser-settings.json")));
+        const QString error = m_simulator.error("saveUserSettingsUSB");
+        QVERIFY2(error.startsWith(mediumFile() + QStringLiteral(": ")), qPrintable(error));
     }
 
     void withoutAMediumTheCommandsAnswerFalse()
@@ -219,7 +249,29 @@ private Q_SLOTS:
         QVERIFY(!content.contains("open sesame"));
     }
 
+    void theLegacyJsonStaysWhenThereIsNoRoomForAnother()
+    {
+        const QString state = m_directory->filePath(QStringLiteral("state"));
+        m_simulator.start({QStringLiteral("--state"), state});
+        set("generateLegacyJson");
+        const QString path = state + QStringLiteral(".json");
+        const QByteArray written = read(path);
+        letNoFileGrow();
+        QCOMPARE(m_simulator.error("generateLegacyJson"),
+                 path + QStringLiteral(": File too large"));
+        QCOMPARE(read(path), written);
+        QVERIFY(!written.isEmpty());
+    }
+
 private:
+    /// The simulator cannot write to a file any more, as when the disk is full.
+    void letNoFileGrow()
+    {
+        const rlimit none{0, RLIM_INFINITY};
+        QCOMPARE(::prlimit(pid_t(m_simulator.process().processId()), RLIMIT_FSIZE, &none, nullptr),
+                 0);
+    }
+
     void set(const char *method, const QVariantList &arguments = {}) const
     {
         QCOMPARE(m_simulator.error(method, arguments), QString());
@@ -237,9 +289,11 @@ private:
         file.write(content);
     }
 
-    QByteArray medium() const
+    QByteArray medium() const { return read(mediumFile()); }
+
+    static QByteArray read(const QString &path)
     {
-        QFile file(mediumFile());
+        QFile file(path);
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
 

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_FILES_H
+#define SIMULATOR_FILES_H
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace simulator {
+
+/// Replaces a file by one with this content. Throws a Refusal that names the file and the reason;
+/// what was there before is still there then.
+void writeFile(const QString &path, const QByteArray &content);
+
+} // namespace simulator
+
+#endif
