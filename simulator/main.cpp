@@ -101,7 +101,9 @@ int run(const Options &options)
         !bus.registerObject(Control::path(), &control))
         return fail(bus.lastError().message());
 
-    for (BusName *each : {&name, &controlName}) {
+    // The control's first: it is never given up, so that a second simulator, which a bus starts
+    // when it is called while this one has left it, ends before it takes the service's name.
+    for (BusName *each : {&controlName, &name}) {
         const QString reason = each->take();
         if (!reason.isEmpty())
             return fail(reason);

@@ -98,9 +98,22 @@ private Q_SLOTS:
         QCOMPARE(second.errors,
                  QStringLiteral("embosser-simulator: %1: another process owns the name (process "
                                 "%2)\n")
-                     .arg(Simulator::serviceName())
+                     .arg(QStringLiteral("com.tavelornbraille.Simulator"))
                      .arg(first.process().processId()));
         QCOMPARE(first.value("getType").toInt(), 3);
+    }
+
+    void anotherServicesNameIsLeftToIt()
+    {
+        QDBusConnection other = m_bus.connect(QStringLiteral("other"));
+        QVERIFY(other.registerService(Simulator::serviceName()));
+        const Ended ended = runSimulator({});
+        QCOMPARE(ended.exitCode, 1);
+        QVERIFY2(ended.errors.startsWith(
+                     QStringLiteral("embosser-simulator: %1: another process owns the name")
+                         .arg(Simulator::serviceName())),
+                 qPrintable(ended.errors));
+        QVERIFY(other.unregisterService(Simulator::serviceName()));
     }
 
     void itEndsCleanlyWhenAsked_data()

@@ -135,6 +135,19 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.error("getTabSize"), QString());
     }
 
+    void aSecondSimulatorDoesNotTakeTheNameThatWasLeft()
+    {
+        inject("drop-name", "getTabSize", 1, "0");
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
+        const QDBusServiceWatcher watcher(Simulator::serviceName(), m_simulator.connection());
+        const QSignalSpy taken(&watcher, &QDBusServiceWatcher::serviceRegistered);
+        QCOMPARE(runSimulator({}).exitCode, 1);
+        control("Return");
+        QTRY_VERIFY(!taken.isEmpty());
+        QCOMPARE(taken.size(), 1);
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
+    }
+
     void everythingCanBeReadBack()
     {
         QVERIFY(m_simulator.connection().connect(

@@ -4,6 +4,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtDBus/QDBusConnectionInterface>
 #include <QtTest/QTest>
 
 #include <unistd.h>
@@ -37,6 +38,23 @@ const char configuration[] = R"(<busconfig>
   <includedir>%1/system.d</includedir>
 </busconfig>
 )";
+
+// A bus that starts services, as that of a system does which has no systemd.
+const char activatingConfiguration[] = R"(<busconfig>
+  <type>session</type>
+  <listen>unix:path=%1/bus</listen>
+  <servicedir>%1/services</servicedir>
+  <policy context="default">
+    <allow own="*"/>
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+  </policy>
+</busconfig>
+)";
+
+const char activationFile[] =
+    "share/dbus-1/system-services/com.tavelornbraille.ConfigurationManager.service";
+const char defaultState[] = "/var/lib/embosser-simulator/state.db";
 
 QByteArray read(const QString &path)
 {
@@ -95,10 +113,13 @@ private Q_SLOTS:
         const QByteArray program = QFile::encodeName(installedProgram());
         const QByteArray unit = read(installed("lib/systemd/system/embosser-simulator.service"));
         QVERIFY(unit.contains("ExecStart=" + program + ' '));
-        QVERIFY(unit.contains("BusName=com.tavelornbraille.ConfigurationManager\n"));
-        const QByteArray activation = read(installed(
-            "share/dbus-1/system-services/com.tavelornbraille.ConfigurationManager.service"));
-        QVERIFY(activation.contains("Exec=" + program + '\n'));
+        // A name that is never given up while it runs: without it, systemd would end it.
+        QVERIFY(unit.contains("BusName=com.tavelornbraille.Simulator\n"));
+        QVERIFY(unit.contains("Environment=MODEL=Kestan\n"));
+        QVERIFY(unit.contains("StateDirectory=embosser-simulator\n"));
+        const QByteArray activation = read(installed(activationFile));
+        QVERIFY(activation.contains("Exec=" + program + " --model Kestan --state " + defaultState +
+                                    '\n'));
         QVERIFY(activation.contains("SystemdService=embosser-simulator.service\n"));
         QVERIFY(read(installed("lib/sysusers.d/embosser-simulator.conf"))
                     .contains("\nu embosser-simulator "));
@@ -148,8 +169,8 @@ private Q_SLOTS:
             other.start();
             const Ended ended = waitForEnd(other);
             QCOMPARE(ended.exitCode, 1);
-            QVERIFY2(ended.errors.startsWith(QLatin1String("embosser-simulator: ") +
-                                             Simulator::serviceName()),
+            QVERIFY2(ended.errors.startsWith(
+                         QLatin1String("embosser-simulator: com.tavelornbraille.Simulator: ")),
                      qPrintable(ended.errors));
         }
         OthersProcess service(owner, otherGroup, installedProgram(), {});
@@ -170,6 +191,37 @@ private Q_SLOTS:
         // Everybody sees that it is there, and that it goes.
         service.terminate();
         QCOMPARE(waitForEnd(service).exitCode, 0);
+    }
+
+    void theBusStartsItWhenItIsCalledAndItKeepsItsState()
+    {
+        const QTemporaryDir directory;
+        const QString configurationFile = prepareActivation(directory.path());
+        const auto start = [&] {
+            return startBus(QStringLiteral("dbus-daemon"), directory.path(), configurationFile);
+        };
+        auto bus = start();
+        const QString socket = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+        const QString name = Simulator::serviceName();
+        const auto call = [&](const QString &connection, const char *method,
+                              const QVariantList &arguments) {
+            QDBusMessage message = QDBusMessage::createMethodCall(name, QStringLiteral("/"), name,
+                                                                  QString::fromLatin1(method));
+            message.setArguments(arguments);
+            return QDBusConnection::connectToBus(socket, connection).call(message);
+        };
+        const QString first = QStringLiteral("before");
+        QCOMPARE(call(first, "setTabSize", {7}).errorMessage(), QString());
+        const auto model =
+            call(first, "getModel", {QStringLiteral("masterCollectionKey")}).arguments();
+        QCOMPARE(model, QVariantList{QStringLiteral("Kestan")});
+        // The service goes with its bus, and a moment later: its state is in use until then.
+        const uint process = QDBusConnection(first).interface()->servicePid(name);
+        bus.reset();
+        QTRY_VERIFY(!QFile::exists(QStringLiteral("/proc/%1/exe").arg(process)));
+        QFile::remove(directory.filePath(QStringLiteral("bus")));
+        bus = start();
+        QCOMPARE(call(QStringLiteral("after"), "getTabSize", {}).arguments(), QVariantList{7});
     }
 
 private:
@@ -194,10 +246,23 @@ private:
         return file;
     }
 
+    /// With the installed activation file, for a folder that is not the system's.
+    QString prepareActivation(const QString &directory) const
+    {
+        QByteArray activation = read(installed(activationFile));
+        activation.replace(defaultState, directory.toUtf8() + "/state.db");
+        QDir(directory).mkdir(QStringLiteral("services"));
+        write(directory + QStringLiteral("/services/activation.service"), activation);
+        const QString file = directory + QStringLiteral("/bus.conf");
+        write(file, QString::fromLatin1(activatingConfiguration).arg(directory).toUtf8());
+        return file;
+    }
+
     static std::unique_ptr<ChildProcess> startBus(const QString &daemon, const QString &directory,
                                                   const QString &configurationFile)
     {
         const QString socket = directory + QStringLiteral("/bus");
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + socket.toUtf8());
         auto bus =
             daemon == QLatin1String("dbus-daemon")
                 ? std::make_unique<ChildProcess>(
@@ -211,7 +276,6 @@ private:
                                   QStringLiteral("python3"), QStringLiteral(DBUS_BROKER_SCRIPT),
                                   socket, configurationFile});
         bus->startAndReadLine();
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + socket.toUtf8());
         return bus;
     }
 
