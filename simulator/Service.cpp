@@ -176,10 +176,9 @@ QVariant Service::carryOut(const Call &call)
     if (handler != m_handlers.cend())
         return (*handler)(call);
     if (const Setting *written = m_configuration.settings().writtenBy(method)) {
-        const QString name = nameOf(*written, call);
-        m_configuration.setValue(name, call.collectionId(), call.argument(valueArgument(method)));
-        if (call.argument("flag").toBool())
-            m_userSettings.remember(name, call.collectionId());
+        m_userSettings.setValue(nameOf(*written, call), call.collectionId(),
+                                call.argument(valueArgument(method)),
+                                call.argument("flag").toBool());
         return method.resultType.isEmpty() ? QVariant() : true;
     }
     if (const Setting *read = m_configuration.settings().readBy(method))

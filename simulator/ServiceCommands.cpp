@@ -109,9 +109,8 @@ Handlers serviceCommands(const CommandTargets &t)
     const auto setInteger = [t](const Call &call, int base) {
         const QString name = call.text("name");
         t.configuration.requireInteger(name);
-        t.configuration.setValue(name, call.collectionId(), qint64(base) + call.number("value"));
-        if (call.argument("flag").toBool())
-            t.userSettings.remember(name, call.collectionId());
+        t.userSettings.setValue(name, call.collectionId(), qint64(base) + call.number("value"),
+                                call.argument("flag").toBool());
         return true;
     };
     const auto documents = [t](const char *kind) {

@@ -108,10 +108,18 @@ bool UserSettings::load()
     return true;
 }
 
-void UserSettings::remember(const QString &name, const QString &collection)
+void UserSettings::setValue(const QString &name, const QString &collection, const QVariant &value,
+                            bool saveToo)
 {
-    if (!concerns(name, Secrets::Included))
-        return;
+    Store::Transaction transaction(m_store);
+    m_configuration.setValue(name, collection, value);
+    if (saveToo && concerns(name, Secrets::Included))
+        saveValue(name, collection);
+    transaction.commit();
+}
+
+void UserSettings::saveValue(const QString &name, const QString &collection)
+{
     QJsonObject collections = saved();
     QJsonObject values = collections.value(collection).toObject();
     values.insert(name, QJsonValue::fromVariant(m_configuration.value(name, collection)));

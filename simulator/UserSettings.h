@@ -5,6 +5,7 @@
 
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 
 namespace simulator {
 
@@ -27,8 +28,9 @@ public:
     /// Brings back what has been saved and changes nothing else. False if nothing has been.
     bool load();
 
-    /// Saves the value of the one setting, if it is the user's.
-    void remember(const QString &name, const QString &collection);
+    /// Sets a value and, on demand, saves it too if it is the user's: both or neither.
+    void setValue(const QString &name, const QString &collection, const QVariant &value,
+                  bool saveToo);
 
     /// False if there is no medium.
     bool saveToMedium() const;
@@ -42,6 +44,7 @@ private:
         Excluded
     };
 
+    void saveValue(const QString &name, const QString &collection);
     bool concerns(const QString &name, Secrets secrets) const;
     /// The values by collection and name; null is one that has not been set.
     QJsonObject current(Secrets secrets) const;

@@ -252,9 +252,40 @@ private Q_SLOTS:
                  QStringLiteral("the user settings saved in the state cannot be read"));
     }
 
+    void aSettingThatCannotBeSavedIsNotSetEither_data()
+    {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::newRow("setter") << "setSpeechSpeed" << QVariantList{5, m_master, true};
+        QTest::newRow("by name") << "setIntValue"
+                                 << QVariantList{QStringLiteral("SpeechSpeed"), 5, m_master, true};
+        QTest::newRow("by a delta")
+            << "setIntDeltaValue" << QVariantList{QStringLiteral("SpeechSpeed"), 2, m_master, true};
+    }
+
+    void aSettingThatCannotBeSavedIsNotSetEither()
+    {
+        QFETCH(QString, method);
+        QFETCH(QVariantList, arguments);
+        start();
+        m_simulator.process().terminateAndWait();
+        change("CREATE TRIGGER full BEFORE INSERT ON setting WHEN NEW.scope = 'user settings' "
+               "BEGIN SELECT RAISE(ABORT, 'no room'); END");
+        start();
+        const QString error = m_simulator.error(method, arguments);
+        QVERIFY2(error.contains(QLatin1String("no room")), qPrintable(error));
+        QCOMPARE(m_simulator.value("getSpeechSpeed", {m_master}), QVariant(3));
+    }
+
 private:
-    /// Writes a value into the file as another program could.
+    /// Writes a value into the file.
     void store(const QString &scope, const QString &name, const QVariant &value) const
+    {
+        change("INSERT INTO setting VALUES (?, ?, ?)", {scope, name, value});
+    }
+
+    /// Changes the file as another program could.
+    void change(const char *sql, const QVariantList &values = {}) const
     {
         const QString connection = QStringLiteral("test");
         {
@@ -263,8 +294,8 @@ private:
             database.setDatabaseName(m_state);
             QVERIFY(database.open());
             QSqlQuery query(database);
-            QVERIFY(query.prepare(QStringLiteral("INSERT INTO setting VALUES (?, ?, ?)")));
-            for (const QVariant &each : {QVariant(scope), QVariant(name), value})
+            QVERIFY(query.prepare(QString::fromLatin1(sql)));
+            for (const QVariant &each : values)
                 query.addBindValue(each);
             QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
         }
