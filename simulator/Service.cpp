@@ -17,6 +17,7 @@
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusConnectionInterface>
 
 #include <csignal>
 #include <optional>
@@ -143,6 +144,8 @@ void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
     case Fault::Kind::NoAnswer:
         break;
     case Fault::Kind::Crash:
+        // The bus answers when it has what has been sent so far: the signal that this happens.
+        connection.interface()->call(QStringLiteral("GetId"));
         std::raise(SIGKILL);
         break;
     case Fault::Kind::DropName:

@@ -14,7 +14,22 @@ Q_SIGNALS:
     void happened(const QString &, const QString &);
 
 private Q_SLOTS:
-    void init() { m_simulator.start(); }
+    void initTestCase()
+    {
+        QVERIFY(m_simulator.connection().connect(
+            QStringLiteral("com.tavelornbraille.Simulator"),
+            QStringLiteral("/com/tavelornbraille/Simulator"),
+            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Happened"),
+            this, SIGNAL(happened(QString, QString))));
+    }
+
+    void init()
+    {
+        m_simulator.start();
+        // Signals of the test before are not taken for those of this one.
+        QCOMPARE(m_simulator.error("getType"), QString());
+        QCoreApplication::processEvents();
+    }
 
     void theNextCallsFail()
     {
@@ -106,10 +121,13 @@ private Q_SLOTS:
 
     void theServiceCrashes()
     {
+        const QSignalSpy told(this, &TestFaults::happened);
         inject("crash", "getTabSize", 1);
         QCOMPARE(m_simulator.call("getTabSize").type(), QDBusMessage::ErrorMessage);
         QVERIFY(m_simulator.process().waitForFinished());
         QCOMPARE(m_simulator.process().exitStatus(), QProcess::CrashExit);
+        QTRY_COMPARE(told.size(), 1);
+        QCOMPARE(told.at(0), QVariantList({QStringLiteral("crash"), QStringLiteral("getTabSize")}));
     }
 
     void theServiceLeavesTheBusForAWhile()
@@ -150,11 +168,6 @@ private Q_SLOTS:
 
     void everythingCanBeReadBack()
     {
-        QVERIFY(m_simulator.connection().connect(
-            QStringLiteral("com.tavelornbraille.Simulator"),
-            QStringLiteral("/com/tavelornbraille/Simulator"),
-            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Happened"),
-            this, SIGNAL(happened(QString, QString))));
         QSignalSpy told(this, &TestFaults::happened);
         inject("error", "getType", 3, "no");
         inject("delay", "*", 0, "1");
