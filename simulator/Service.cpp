@@ -126,12 +126,14 @@ void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
                              const QDBusConnection &connection)
 {
     switch (fault.kind) {
-    case Fault::Kind::Error:
-        send(message.createErrorReply(
-                 QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
-                 fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail),
-             message, connection);
+    case Fault::Kind::Error: {
+        const QDBusMessage answer = message.createErrorReply(
+            QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
+            fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail);
+        m_log.add(message.member(), answer.errorName());
+        send(answer, message, connection);
         break;
+    }
     case Fault::Kind::WrongType:
         send(ofWrongType(answerTo(message), message), message, connection);
         break;
@@ -142,6 +144,7 @@ void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
                            });
         break;
     case Fault::Kind::NoAnswer:
+        m_log.add(message.member(), Faults::nameOf(fault.kind));
         break;
     case Fault::Kind::Crash:
         // The bus answers when it has what has been sent so far: the signal that this happens.

@@ -15,7 +15,7 @@ public:
     bool isEnabled() const { return m_enabled; }
     void setEnabled(bool enabled) { m_enabled = enabled; }
 
-    /// `outcome` is the name of a D-Bus error, or empty.
+    /// `outcome` is the name of a D-Bus error or of a fault, or empty.
     void add(const QString &method, const QString &outcome);
     void clear() { m_lines.clear(); }
 

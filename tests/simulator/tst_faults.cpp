@@ -197,6 +197,27 @@ private Q_SLOTS:
         QCOMPARE(control("History").toList(), QVariantList());
     }
 
+    void theLogOfTheServiceHasThemToo()
+    {
+        m_simulator.call("setLogger", {true});
+        inject("error", "getTabSize", 1, "out of paper");
+        m_simulator.call("getTabSize");
+        inject("no-answer", "getTabSize", 1);
+        m_simulator.connection().call(message(QStringLiteral("getTabSize")), QDBus::Block, 200);
+        inject("wrong-type", "getTabSize", 1);
+        m_simulator.call("getTabSize");
+        const QStringList lines =
+            m_simulator.control(QStringLiteral("Log"), QStringLiteral("Lines")).toStringList();
+        QStringList outcomes;
+        for (const QString &line : lines)
+            outcomes += line.section(QLatin1Char(' '), 1);
+        QCOMPARE(
+            outcomes,
+            QStringList({QStringLiteral("setLogger ok"),
+                         QStringLiteral("getTabSize com.tavelornbraille.Simulator.Error.Injected"),
+                         QStringLiteral("getTabSize no-answer"), QStringLiteral("getTabSize ok")}));
+    }
+
     void theHistoryIsOfTheLastThousandCalls()
     {
         const int remembered = 1000;
