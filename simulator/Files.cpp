@@ -4,9 +4,23 @@
 
 #include "Refusal.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 
 namespace simulator {
+
+QByteArray readFile(const QString &path)
+{
+    // Before it is opened: a named pipe would keep everybody waiting.
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        throw failed(QStringLiteral("%1: is not a regular file").arg(path));
+    QFile file(path);
+    if (!file.open(QFile::ReadOnly))
+        throw failed(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    return file.readAll();
+}
 
 void writeFile(const QString &path, const QByteArray &content)
 {

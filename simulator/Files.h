@@ -8,6 +8,9 @@
 
 namespace simulator {
 
+/// The content of a regular file. Throws a Refusal that names the file and the reason.
+QByteArray readFile(const QString &path);
+
 /// Replaces a file by one with this content. Throws a Refusal that names the file and the reason;
 /// what was there before is still there then.
 void writeFile(const QString &path, const QByteArray &content);

@@ -12,7 +12,6 @@
 #include "Types.h"
 #include "UserSettings.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -78,11 +77,7 @@ void writeLegacyJson(const Configuration &configuration, const QString &path)
 void takeLayout(Configuration &configuration, const QString &path)
 {
     const QString layoutName = QStringLiteral("LayoutName");
-    QFile file(path);
-    if (!file.open(QFile::ReadOnly))
-        throw failed(QStringLiteral("%1: %2").arg(path, file.errorString()));
-    QJsonParseError error;
-    const QJsonDocument content = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument content = QJsonDocument::fromJson(readFile(path));
     if (!content.isObject())
         throw failed(QStringLiteral("%1: is no layout: no JSON object").arg(path));
     QVariantMap values = content.object().toVariantMap();

@@ -146,13 +146,11 @@ bool UserSettings::loadFromMedium()
 {
     if (m_medium.isEmpty() || !QFile::exists(fileOnMedium()))
         return false;
-    QFile file(fileOnMedium());
-    if (!file.open(QFile::ReadOnly))
-        throw failed(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    const QByteArray content = readFile(fileOnMedium());
     try {
-        apply(collectionsIn(file.readAll()), Secrets::Excluded);
+        apply(collectionsIn(content), Secrets::Excluded);
     } catch (Refusal &refusal) {
-        refusal.message.prepend(file.fileName() + QLatin1String(": "));
+        refusal.message.prepend(fileOnMedium() + QLatin1String(": "));
         throw;
     }
     return true;

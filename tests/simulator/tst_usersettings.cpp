@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 class TestUserSettings : public QObject
 {
@@ -227,6 +228,19 @@ private Q_SLOTS:
         QVERIFY(!m_simulator
                      .error(QStringLiteral("setLayoutFromPath"), {QStringLiteral("/nonexistent")})
                      .isEmpty());
+    }
+
+    void whatIsNoFileIsNotRead()
+    {
+        // Whoever opened these would wait for somebody who writes.
+        const QString layout = m_directory->filePath(QStringLiteral("layout"));
+        for (const QString &path : {layout, mediumFile()})
+            QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+        const QString reason = QStringLiteral(": is not a regular file");
+        QCOMPARE(m_simulator.error("setLayoutFromPath", {layout}), layout + reason);
+        QCOMPARE(m_simulator.error("loadUserSettingsUSB"), mediumFile() + reason);
+        QCOMPARE(m_simulator.error("setLayoutFromPath", {m_directory->path()}),
+                 m_directory->path() + reason);
     }
 
     void theLegacyJsonStandsBesideTheState()
