@@ -165,7 +165,10 @@ QJsonObject LayeredJson::read(const QString &file)
     QFile device(file);
     if (!device.open(QFile::ReadOnly))
         throw JsonError(file, 0, device.errorString());
-    const QByteArray text = device.readAll();
+    QByteArray text = device.readAll();
+    const QByteArray byteOrderMark = QByteArrayLiteral("\xef\xbb\xbf");
+    if (text.startsWith(byteOrderMark))
+        text.remove(0, byteOrderMark.size());
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError)
@@ -176,16 +179,21 @@ QJsonObject LayeredJson::read(const QString &file)
     return document.object();
 }
 
-void LayeredJson::refuse(const QString &pointer, const QString &reason) const
+void LayeredJson::refuse(const QString &pointer, const QString &reason,
+                         const QStringList &contradicted) const
 {
     const QString described = pointer.mid(1).replace(QLatin1String("~1"), QLatin1String("/"));
-    for (QString place = pointer;; place = place.left(place.lastIndexOf(QLatin1Char('/')))) {
+    for (QStringList places = QStringList(pointer) + contradicted;;) {
         for (const Layer &layer : m_layers) {
-            if (layer.lines.contains(place))
-                throw JsonError(layer.file, layer.lines.value(place),
-                                described.isEmpty() ? reason
-                                                    : described + QLatin1String(": ") + reason);
+            for (const QString &place : qAsConst(places)) {
+                if (layer.lines.contains(place))
+                    throw JsonError(layer.file, layer.lines.value(place),
+                                    described.isEmpty() ? reason
+                                                        : described + QLatin1String(": ") + reason);
+            }
         }
+        const QString missing = places.constFirst();
+        places = QStringList(missing.left(missing.lastIndexOf(QLatin1Char('/'))));
     }
 }
 
@@ -224,12 +232,13 @@ QVector<JsonNode> JsonNode::elements() const
     return nodes;
 }
 
-void JsonNode::allowOnly(const QStringList &allowed) const
+void JsonNode::allowOnly(const QStringList &allowed, const QVector<JsonNode> &excluding) const
 {
     for (const QString &key : keys()) {
         if (!allowed.contains(key))
             (*this)[key].refuse(
-                QStringLiteral("is none of: %1").arg(allowed.join(QStringLiteral(", "))));
+                QStringLiteral("is none of: %1").arg(allowed.join(QStringLiteral(", "))),
+                excluding);
     }
 }
 
@@ -271,9 +280,13 @@ QStringList JsonNode::toTexts() const
     return texts;
 }
 
-void JsonNode::refuse(const QString &reason) const
+void JsonNode::refuse(const QString &reason, const QVector<JsonNode> &contradicted) const
 {
-    m_json->refuse(m_pointer, m_value.isUndefined() ? QStringLiteral("is missing") : reason);
+    QStringList pointers;
+    for (const JsonNode &node : contradicted)
+        pointers += node.m_pointer;
+    m_json->refuse(m_pointer, m_value.isUndefined() ? QStringLiteral("is missing") : reason,
+                   pointers);
 }
 
 } // namespace simulator

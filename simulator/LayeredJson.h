@@ -36,8 +36,10 @@ public:
     const QJsonObject &root() const { return m_root; }
 
     /// Throws JsonError for the value that the JSON pointer (RFC 6901) leads to. A value that does
-    /// not exist is reported at the place where it should be.
-    [[noreturn]] void refuse(const QString &pointer, const QString &reason) const;
+    /// not exist is reported at the place where it should be; one that contradicts others, at that
+    /// of them which stands in the outermost file, since its base was right without it.
+    [[noreturn]] void refuse(const QString &pointer, const QString &reason,
+                             const QStringList &contradicted = {}) const;
 
 private:
     struct Layer
@@ -64,8 +66,8 @@ public:
     JsonNode operator[](const char *key) const { return (*this)[QString::fromLatin1(key)]; }
     QVector<JsonNode> elements() const;
 
-    /// Refuses the first member that is not one of these.
-    void allowOnly(const QStringList &allowed) const;
+    /// Refuses the first member that is not one of these, or that some value excludes.
+    void allowOnly(const QStringList &allowed, const QVector<JsonNode> &excluding = {}) const;
 
     bool isText() const { return m_value.isString(); }
     bool isNumber() const { return m_value.isDouble(); }
@@ -77,7 +79,9 @@ public:
     bool toBool() const;
     QStringList toTexts() const;
 
-    [[noreturn]] void refuse(const QString &reason) const;
+    /// See LayeredJson::refuse().
+    [[noreturn]] void refuse(const QString &reason,
+                             const QVector<JsonNode> &contradicted = {}) const;
 
 private:
     JsonNode(const LayeredJson &json, const QString &pointer, const QJsonValue &value);

@@ -72,6 +72,15 @@ double readPositive(const JsonNode &node)
     return number;
 }
 
+/// How many of something.
+int readCount(const JsonNode &node)
+{
+    const int count = node.toInteger();
+    if (count < 0)
+        node.refuse(QStringLiteral("is below 0"));
+    return count;
+}
+
 /// A number that has a key in the enumeration, or that key.
 template<typename Enumeration>
 int readKey(const JsonNode &node)
@@ -219,22 +228,22 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
         parameter.min = isInteger ? node["min"].toInteger() : node["min"].toNumber();
         parameter.max = isInteger ? node["max"].toInteger() : node["max"].toNumber();
         if (*parameter.min > *parameter.max)
-            node["min"].refuse(QStringLiteral("is above max"));
+            node["min"].refuse(QStringLiteral("is above max"), {node["max"]});
         allowed << QStringLiteral("min") << QStringLiteral("max");
     }
     if (setting.type == QLatin1String("d")) {
         if (node.has(QStringLiteral("precision")))
-            parameter.precision = node["precision"].toInteger();
+            parameter.precision = readCount(node["precision"]);
         allowed << QStringLiteral("precision");
     }
     if (setting.type == QLatin1String("s")) {
         if (node.has(QStringLiteral("maxLength")))
-            parameter.maxLength = node["maxLength"].toInteger();
+            parameter.maxLength = readCount(node["maxLength"]);
         if (node.has(QStringLiteral("secret")))
             parameter.secret = node["secret"].toBool();
         allowed << QStringLiteral("maxLength") << QStringLiteral("secret");
     }
-    node.allowOnly(allowed);
+    node.allowOnly(allowed, {node["row"], node["follows"]});
     return parameter;
 }
 
@@ -253,12 +262,13 @@ void checkAnswers(const JsonNode &node)
     for (auto line = isOfLine.begin(); line != isOfLine.end(); ++line) {
         const JsonNode answer = node[QStringLiteral("is") + line.key()];
         if (answer.toBool() != *line)
-            answer.refuse(QStringLiteral("does not agree with getType"));
+            answer.refuse(QStringLiteral("does not agree with getType"), {node["getType"]});
     }
     const QMap<FeedType, const char *> capabilities{{FeedType::Tractor, "hasTractorFeed"},
                                                     {FeedType::Feeder, "hasFeeder"}};
     if (capabilities.contains(feed) && !node[capabilities.value(feed)].toBool())
-        node[capabilities.value(feed)].refuse(QStringLiteral("does not agree with getFeedType"));
+        node[capabilities.value(feed)].refuse(QStringLiteral("does not agree with getFeedType"),
+                                              {node["getFeedType"]});
 }
 
 } // namespace
@@ -304,7 +314,8 @@ Profile::Profile(const QString &file, const Interface &interface, const Settings
     }
     if (suitablePapers().isEmpty())
         root["answers"]["getMaskValue"].refuse(
-            QStringLiteral("there is no paper for it and for getFeedType"));
+            QStringLiteral("there is no paper for it and for getFeedType"),
+            {root["answers"]["getFeedType"], root["papers"]});
     readRows(root["rows"]);
     readParameters(root["settings"], settings);
     requireChoicesOf(currentPaper(), root["papers"]);
@@ -376,7 +387,7 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         if (parameter.follows.isEmpty()) {
             const QString objection = objectionTo(name, parameter.initial);
             if (!objection.isEmpty())
-                member["default"].refuse(objection);
+                member["default"].refuse(objection, constraintsOf(name));
         } else if (!m_papers.first().contains(parameter.follows)) {
             member["follows"].refuse(QStringLiteral("is no property of a paper"));
         }
@@ -397,7 +408,7 @@ void Profile::requireChoicesOf(const QString &setting, const JsonNode &members) 
         JsonNode(m_json)["settings"][setting]["row"].refuse(QString());
     for (const Choice &choice : m_rows.value(row)) {
         if (!members.has(choice.key))
-            members[choice.key].refuse(QString());
+            members[choice.key].refuse(QString(), constraintsOf(setting));
     }
 }
 
@@ -425,16 +436,30 @@ void Profile::checkPapers(const JsonNode &node) const
             const QString objection =
                 objectionTo(parameter.key(), m_papers.value(name).value(parameter->follows));
             if (!objection.isEmpty())
-                node[name].refuse(parameter.key() + QLatin1String(": ") + objection);
+                node[name].refuse(parameter.key() + QLatin1String(": ") + objection,
+                                  constraintsOf(parameter.key()));
         }
     }
+}
+
+QVector<JsonNode> Profile::constraintsOf(const QString &setting) const
+{
+    const JsonNode root(m_json);
+    QVector<JsonNode> nodes;
+    for (const char *constraint : {"min", "max", "row", "precision", "maxLength"})
+        nodes += root["settings"][setting][constraint];
+    const QString row = m_parameters.value(setting).row;
+    if (!row.isEmpty())
+        nodes += root["rows"][row];
+    return nodes;
 }
 
 QStringList Profile::readSettingNames(const JsonNode &node) const
 {
     for (const JsonNode &element : node.elements()) {
         if (!m_parameters.contains(element.toText()))
-            element.refuse(QStringLiteral("is no setting"));
+            element.refuse(QStringLiteral("is no setting"),
+                           {JsonNode(m_json)["settings"][element.toText()]});
     }
     return node.toTexts();
 }

@@ -104,6 +104,8 @@ private:
     /// Refuses a value of the setting that is none of the members.
     void requireChoicesOf(const QString &setting, const JsonNode &members) const;
     void checkPapers(const JsonNode &node) const;
+    /// What the profile says of the values that a setting can have.
+    QVector<JsonNode> constraintsOf(const QString &setting) const;
     void readUserSettings(const JsonNode &node, const Settings &settings);
     QStringList readSettingNames(const JsonNode &node) const;
     QStringList suitablePapers() const;

@@ -17,7 +17,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("line");
         QTest::addColumn<QString>("reason");
         const auto row = [](const char *name, const char *text, int line, const char *reason) {
-            QTest::newRow(name) << QString::fromLatin1(text) << line << QString::fromLatin1(reason);
+            QTest::newRow(name) << QString::fromUtf8(text) << line << QString::fromLatin1(reason);
         };
         row("no JSON", R"({
   "base": "Arvo"
@@ -72,9 +72,40 @@ private Q_SLOTS:
         row("value out of its bounds", R"({"base": "Arvo", "settings": {"AlignLow": {
 "default": 101}}})",
             2, "settings/AlignLow/default: 101 is not between -100 and 100");
-        row("bounds that exclude the value of the base", R"({"base": "Arvo", "settings": {
-"TotalCharPerLine": {"max": 20}}})",
-            0, ":/profiles/Arvo.json:");
+        // What contradicts something of the base is to be changed here.
+        row("bound that excludes the value of the base", R"({"base": "Arvo", "settings": {
+"TotalCharPerLine": {
+"max": 20}}})",
+            3, "settings/TotalCharPerLine/default: 35 is not between 1 and 20");
+        row("bound that excludes the value of the base's base",
+            R"({"base": "Arvo", "settings": {"AlignLow": {
+"min": 50}}})",
+            2, "settings/AlignLow/default: 0 is not between 50 and 100");
+        row("bound above that of the base", R"({"base": "Arvo", "settings": {"AlignLow": {
+"max": -101}}})",
+            2, "settings/AlignLow/min: is above max");
+        row("list that has not the value of the base", R"({"base": "Arvo", "rows": {
+"BaudRate": [1200, 2400]}})",
+            2, "settings/Baudrate/default: 9600 is none of: 1200, 2400");
+        row("list for what has bounds in the base", R"({"base": "Arvo", "settings": {"AlignLow": {
+"row": "OnOff"}}})",
+            2, "settings/AlignLow/max: is none of: default, unit, row");
+        row("length that the value of the base exceeds",
+            R"({"base": "Arvo", "settings": {"SerialNo": {
+"maxLength": 5}}})",
+            2, "settings/SerialNo/default: AR-000001 is longer than 5 bytes");
+        row("length below 0", R"({"base": "Arvo", "settings": {"Ssid": {
+"maxLength": -3}}})",
+            2, "settings/Ssid/maxLength: is below 0");
+        row("decimals below 0", R"({"base": "Arvo", "settings": {"TopOfForm": {
+"precision": -3}}})",
+            2, "settings/TopOfForm/precision: is below 0");
+        row("byte order mark",
+            "\xef\xbb\xbf"
+            R"({"base": "Arvo",
+"settings": {
+"TabSiez": {}}})",
+            3, "settings/TabSiez: is no setting of the service");
         row("bounds the wrong way round", R"({"base": "Arvo", "settings": {"AlignLow": {
 "min": 101}}})",
             2, "settings/AlignLow/min: is above max");
@@ -98,8 +129,9 @@ private Q_SLOTS:
 "follows": "sizeUnit"}}})",
             3, "settings/PaperSize/follows: the current paper cannot follow itself");
         row("paper that does not fit",
-            R"({"base": "Arvo", "settings": {"PaperWidth": {"max": 250.0}}})", 0,
-            "papers/110x120: PaperWidth: 279.4 is not between 89 and 250 mm");
+            R"({"base": "Arvo", "settings": {"PaperWidth": {
+"max": 250.0}}})",
+            2, "papers/110x120: PaperWidth: 279.4 is not between 89 and 250 mm");
         row("paper in an unknown unit", R"({"base": "Arvo", "papers": {"A4": {
 "unit": "ell"}}})",
             2, "papers/A4/unit: is neither mm nor inch");
@@ -173,6 +205,15 @@ private Q_SLOTS:
         row("two models", R"({"base": "Kestan", "answers": {
 "isArvo": true}})",
             2, "answers/isArvo: does not agree with getType");
+        row("another type than the base's", R"({"base": "Kestan", "answers": {
+"getType": "EmbosserType.Arvo"}})",
+            2, "answers/isArvo: does not agree with getType");
+        row("another feed than the base's", R"({"base": "Arvo", "answers": {
+"getFeedType": "FeedType.Feeder"}})",
+            2, "answers/hasFeeder: does not agree with getFeedType");
+        row("choice of a list that does not exist", R"({"base": "Arvo", "rows": {
+"TextDistance": ["Text_2p5", "Text_9p9"]}})",
+            2, "cells/Text_9p9: is missing");
         row("no model", R"({"base": "Kestan_V5", "answers": {
 "isKestan": false}})",
             2, "answers/isKestan: does not agree with getType");
@@ -208,6 +249,10 @@ private Q_SLOTS:
 "TabSize",
 "TabSiez"]})",
             4, "layoutParameters/1: is no setting");
+        row("name in a list of the base of a setting that is missing",
+            R"({"base": "profile-base.json", "settings": {
+"Counter/8": null}})",
+            2, "layoutParameters/0: is no setting");
         row("unknown family", R"({"base": "Arvo", "userSettings": {
 "families": ["Sound"]}})",
             2, "userSettings/families/0: is no family of settings");
@@ -218,6 +263,8 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(int, line);
         QFETCH(QString, reason);
+        write(QStringLiteral("profile-base.json"),
+              QStringLiteral("{\"base\": \"Arvo\", \"layoutParameters\": [\"Counter/8\"]}"));
         const QString path = write(QStringLiteral("profile.json"), text);
         const Ended ended = runSimulator({QStringLiteral("--profile"), path});
         QCOMPARE(ended.exitCode, 1);
