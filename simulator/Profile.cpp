@@ -160,6 +160,11 @@ QVariantMap readPaper(const JsonNode &node)
     const QString unit = node["unit"].toText();
     if (unit != inch && unit != QLatin1String("mm"))
         node["unit"].refuse(QStringLiteral("is neither mm nor inch"));
+    const auto orientation = Orientation(readKey<Orientation>(node["formatOrientation"]));
+    const bool isLandscape = orientation == Orientation::Landscape;
+    if (width != height && isLandscape != (width > height))
+        node["formatOrientation"].refuse(QStringLiteral("does not agree with width and height"),
+                                         {node["width"], node["height"]});
     // Whole millimetres and hundredths.
     const int hundredths = qRound(readPositive(node["feedStep"]) * 100);
     if (hundredths <= 0)
@@ -173,7 +178,7 @@ QVariantMap readPaper(const JsonNode &node)
             {QStringLiteral("stepLength"), hundredths / 100},
             {QStringLiteral("stepLengthFraction"), hundredths % 100},
             {QStringLiteral("printHeadOffset"), node["printHeadOffset"].toNumber()},
-            {QStringLiteral("formatOrientation"), readKey<Orientation>(node["formatOrientation"])},
+            {QStringLiteral("formatOrientation"), int(orientation)},
             {QStringLiteral("loadOrientation"), readKey<Orientation>(node["loadOrientation"])},
             {QStringLiteral("feedType"), readKey<FeedType>(node["feedType"])},
             {QStringLiteral("modelMask"), readInteger(node["modelMask"])}};

@@ -151,6 +151,13 @@ private Q_SLOTS:
         row("paper of no orientation", R"({"base": "Arvo", "papers": {"A4": {
 "loadOrientation": 2}}})",
             2, "papers/A4/loadOrientation: is no Orientation");
+        row("paper of another orientation", R"({"base": "Arvo", "papers": {"A4": {
+"formatOrientation": "Orientation.Landscape"}}})",
+            2, "papers/A4/formatOrientation: does not agree with width and height");
+        row("paper that is wider than the base's and of its orientation",
+            R"({"base": "Arvo", "papers": {"A4": {
+"width": 298.0}}})",
+            2, "papers/A4/formatOrientation: does not agree with width and height");
         row("paper of no feed", R"({"base": "Arvo", "papers": {"A4": {
 "feedType": 5}}})",
             2, "papers/A4/feedType: is no FeedType");
