@@ -3,6 +3,7 @@
 #include "Faults.h"
 
 #include "Interface.h"
+#include "LastThousand.h"
 #include "Refusal.h"
 
 #include <QtCore/QStringList>
@@ -84,7 +85,9 @@ QString Faults::kinds()
 
 QString Faults::nameOf(Fault::Kind kind)
 {
-    return QString::fromLatin1(descriptions[int(kind)].name);
+    const auto *found = std::find_if(std::begin(descriptions), std::end(descriptions),
+                                     [&](const KindDescription &d) { return d.kind == kind; });
+    return QString::fromLatin1(found->name);
 }
 
 void Faults::inject(const QString &kind, const QString &method, quint32 calls,
@@ -124,14 +127,11 @@ std::optional<Fault> Faults::next(const QString &method)
     });
     if (fault == m_pending.end())
         return {};
-    const int capacity = 1000;
-    if (m_history.size() == capacity)
-        m_history.removeFirst();
     Fault met = *fault;
     met.method = method;
     if (fault->calls > 0 && --fault->calls == 0)
         m_pending.erase(fault);
-    m_history.append(met);
+    appendToLastThousand(m_history, met);
     Q_EMIT happened(nameOf(met.kind), method);
     return met;
 }

@@ -174,6 +174,27 @@ private Q_SLOTS:
         QCOMPARE(lines(), QStringList());
     }
 
+    void theLogHasTheLastThousandCalls()
+    {
+        const auto methods = [this] {
+            QStringList names;
+            for (const QString &line :
+                 m_simulator.control(QStringLiteral("Log"), QStringLiteral("Lines")).toStringList())
+                names += line.section(QLatin1Char(' '), 1, 1);
+            return names;
+        };
+        const int remembered = 1000;
+        m_simulator.call("setLogger", {true});
+        for (int i = 0; i < remembered - 1; ++i)
+            m_simulator.call("getType");
+        QCOMPARE(methods().size(), remembered);
+        QCOMPARE(methods().constFirst(), QStringLiteral("setLogger"));
+        m_simulator.call("getTabSize");
+        QCOMPARE(methods().size(), remembered);
+        QCOMPARE(methods().constFirst(), QStringLiteral("getType"));
+        QCOMPARE(methods().constLast(), QStringLiteral("getTabSize"));
+    }
+
 private:
     QString introspect(const QString &path) const
     {
