@@ -19,7 +19,6 @@ BusName::BusName(const QDBusConnection &connection, const QString &name)
 
 QString BusName::take()
 {
-    m_absence.stop();
     const auto reply = m_connection.interface()->registerService(
         m_name, QDBusConnectionInterface::DontQueueService,
         QDBusConnectionInterface::DontAllowReplacement);

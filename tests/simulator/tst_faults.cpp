@@ -100,6 +100,17 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
     }
 
+    void whatIsAnsweredLateOrWronglyIsCarriedOutAtOnce()
+    {
+        inject("delay", "setTabSize", 1, "3600000");
+        const QDBusPendingCall late = m_simulator.asyncCall("setTabSize", {7});
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(7));
+        QVERIFY(!late.isFinished());
+        inject("wrong-type", "setTabSize", 1);
+        QCOMPARE(m_simulator.call("setTabSize", {2}).signature(), QStringLiteral("s"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(2));
+    }
+
     void othersAreAnsweredWhileOneWaits()
     {
         inject("delay", "getTabSize", 1, "3600000");
@@ -151,6 +162,31 @@ private Q_SLOTS:
         QCOMPARE(control("History").toList().size(), 1);
         control("Return");
         QCOMPARE(m_simulator.error("getTabSize"), QString());
+    }
+
+    void anAbsenceThatLastsEndsOneOfAWhile()
+    {
+        inject("drop-name", "getTabSize", 1, "200");
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
+        // The service itself is still found by the other name.
+        inject("drop-name", "getTabSize", 1, "0");
+        QCOMPARE(callDuringAbsence("getTabSize").type(), QDBusMessage::ReplyMessage);
+        letPass("400");
+        QCOMPARE(m_simulator.call("getTabSize").errorName(),
+                 QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
+    }
+
+    void theEndOfAWhileIsNothingToOneThatHasReturned()
+    {
+        inject("drop-name", "getTabSize", 1, "200");
+        QCOMPARE(m_simulator.error("getTabSize"), QString());
+        control("Return");
+        const QDBusServiceWatcher watcher(Simulator::serviceName(), m_simulator.connection());
+        const QSignalSpy changed(&watcher, &QDBusServiceWatcher::serviceOwnerChanged);
+        letPass("400");
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+        QCoreApplication::processEvents();
+        QCOMPARE(changed.size(), 0);
     }
 
     void aSecondSimulatorDoesNotTakeTheNameThatWasLeft()
@@ -298,6 +334,21 @@ private:
     {
         return QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),
                                               Simulator::serviceName(), method);
+    }
+
+    /// Calls the service by the name that it does not leave.
+    QDBusMessage callDuringAbsence(const QString &method) const
+    {
+        return m_simulator.connection().call(
+            QDBusMessage::createMethodCall(QStringLiteral("com.tavelornbraille.Simulator"),
+                                           QStringLiteral("/"), Simulator::serviceName(), method));
+    }
+
+    /// Returns when all that the simulator was to do within that time has been done.
+    void letPass(const char *milliseconds) const
+    {
+        inject("delay", "getType", 1, milliseconds);
+        QCOMPARE(callDuringAbsence("getType").type(), QDBusMessage::ReplyMessage);
     }
 
     QVariant control(const char *method, const QVariantList &arguments = {}) const

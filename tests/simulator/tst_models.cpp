@@ -165,8 +165,27 @@ private Q_SLOTS:
         QCOMPARE(report.value(QStringLiteral("Model")), m_simulator.value("getModel", master));
         QCOMPARE(report.value(QStringLiteral("SerialNo")),
                  m_simulator.value("getSerialNo", master));
-        for (const char *list : {"getDemoDocuments", "getManualDocuments", "getServiceDocuments"})
-            QVERIFY(!m_simulator.value(list).toMap().isEmpty());
+        QCOMPARE(m_simulator.error("incrementPageCounter", master), QString());
+        QCOMPARE(m_simulator.value("embosserInfoCmd").toMap().value(QStringLiteral("PageCounter")),
+                 QVariant(report.value(QStringLiteral("PageCounter")).toInt() + 1));
+    }
+
+    void eachListOfDocumentsHasThoseOfItsKind_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("getDemoDocuments") << "/demo/";
+        QTest::newRow("getManualDocuments") << "/manual/";
+        QTest::newRow("getServiceDocuments") << "/service/";
+    }
+
+    void eachListOfDocumentsHasThoseOfItsKind()
+    {
+        QFETCH(QString, folder);
+        m_simulator.start();
+        const QVariantMap documents = m_simulator.value(QTest::currentDataTag()).toMap();
+        QVERIFY(!documents.isEmpty());
+        for (const QVariant &path : documents)
+            QVERIFY2(path.toString().contains(folder), qPrintable(path.toString()));
     }
 
 private:

@@ -168,6 +168,9 @@ private Q_SLOTS:
         const QString shortSecret = QStringLiteral("open sesame");
         QCOMPARE(m_simulator.error("setPassphrase", {shortSecret, master}), QString());
         QCOMPARE(m_simulator.value("getPassphrase", {master}), QVariant(shortSecret));
+        const QString other = QStringLiteral("other");
+        QCOMPARE(m_simulator.error("setPassphrase", {shortSecret, other}), QString());
+        QCOMPARE(m_simulator.error("setSsid", {QStringLiteral("theirs"), other}), QString());
         QCOMPARE(m_simulator.value("getValueSentence", {QStringLiteral("Passphrase")}),
                  QVariant("The passphrase of the wireless network: set"));
         const QDBusMessage report = m_simulator.call("currentConfigurationCmd");
@@ -175,8 +178,14 @@ private Q_SLOTS:
         const auto parts =
             qdbus_cast<QList<QPair<QString, QVariantMap>>>(report.arguments().constFirst());
         QVERIFY(parts.size() > 5);
-        for (const auto &part : parts)
+        for (const auto &part : parts) {
             QVERIFY(!part.second.contains(QStringLiteral("Passphrase")));
+            for (const QVariant &value : part.second)
+                QVERIFY(!value.toString().contains(shortSecret));
+        }
+        QCOMPARE(parts.constLast().first, QStringLiteral("collection other"));
+        QCOMPARE(parts.constLast().second,
+                 QVariantMap({{QStringLiteral("Ssid"), QStringLiteral("theirs")}}));
     }
 
     void settingsAreReadAndWrittenByName()
@@ -203,6 +212,37 @@ private Q_SLOTS:
         QVERIFY(!m_simulator.error("getIntValue", {QStringLiteral("TopOfForm"), c}).isEmpty());
     }
 
+    void aDeltaIsRelativeToTheValueOfTheCallsCollection()
+    {
+        const QString c = QStringLiteral("with another paper");
+        const QString name = QStringLiteral("PaperStepLengthFraction");
+        QCOMPARE(m_simulator.value("getIntValue", {name, Simulator::masterCollection()}),
+                 QVariant(54));
+        QCOMPARE(m_simulator.error("setPaperSize", {QStringLiteral("A4"), c}), QString());
+        QCOMPARE(m_simulator.value("setIntDeltaValue", {name, 1, c, false}), QVariant(true));
+        QCOMPARE(m_simulator.value("getIntValue", {name, c}), QVariant(51));
+        QCOMPARE(m_simulator.value("getIntDeltaValue", {name, c}), QVariant(1));
+    }
+
+    void theWholeNumbersWithinTheBoundsAreTold_data()
+    {
+        QTest::addColumn<int>("least");
+        QTest::addColumn<int>("most");
+        QTest::newRow("PhStepDist") << 1 << 1;       // 0.01 to 1
+        QTest::newRow("PFStepAdjustment") << 0 << 0; // -0.5 to 0.5
+        QTest::newRow("TopOfForm") << 0 << 100;
+        QTest::newRow("TabSize") << 1 << 8; // a list
+    }
+
+    void theWholeNumbersWithinTheBoundsAreTold()
+    {
+        QFETCH(int, least);
+        QFETCH(int, most);
+        const QVariantList name{QString::fromLatin1(QTest::currentDataTag())};
+        QCOMPARE(m_simulator.value("getMinValue", name), QVariant(least));
+        QCOMPARE(m_simulator.value("getMaxValue", name), QVariant(most));
+    }
+
     void keyedSettingsAreKeptPerKey()
     {
         const QString c = Simulator::masterCollection();
@@ -225,6 +265,7 @@ private Q_SLOTS:
     {
         const QVariantMap sequence{{QStringLiteral("TabSize"), 8},
                                    {QStringLiteral("Ssid"), QStringLiteral("net")},
+                                   {QStringLiteral("PaperLength"), 200.0},
                                    {QStringLiteral("PaperWidth"), 150.0},
                                    {QStringLiteral("PaperSize"), QStringLiteral("A4")},
                                    {QStringLiteral("KeepFormat"), true},
@@ -234,6 +275,8 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.value("getTabSize"), QVariant(8));
         QCOMPARE(m_simulator.value("getSsid", master), QVariant("net"));
         QCOMPARE(m_simulator.value("getPaperSize", master), QVariant("A4"));
+        // The order of their names does not matter: the paper comes first.
+        QCOMPARE(m_simulator.value("getPaperLength", master), QVariant(200.0));
         QCOMPARE(m_simulator.value("getPaperWidth", master), QVariant(150.0));
         QCOMPARE(m_simulator.value("getKeepFormat"), QVariant(true));
         QCOMPARE(m_simulator.value("getTopOfForm", master), QVariant(5.0));
@@ -360,6 +403,14 @@ private Q_SLOTS:
                  QVariant("The baud rate of the serial line"));
         QCOMPARE(m_simulator.value("getValueSentence", {QStringLiteral("Baudrate")}),
                  QVariant("The baud rate of the serial line: 9600"));
+        const auto shown = [this](const char *name) {
+            return m_simulator.value("getValueSentence", {QString::fromLatin1(name)})
+                .toString()
+                .section(QStringLiteral(": "), 1);
+        };
+        QCOMPARE(shown("AllowMultipleHammers"), QStringLiteral("On"));
+        QCOMPARE(shown("Parity"), QStringLiteral("None"));
+        QCOMPARE(shown("TopOfForm"), QStringLiteral("12.7 mm"));
         QCOMPARE(m_simulator.value("returnDocSettingKey", {QStringLiteral("PageNumber"), 1}),
                  QVariant("Top"));
         QVERIFY(

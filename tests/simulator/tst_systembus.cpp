@@ -178,15 +178,24 @@ private Q_SLOTS:
                  QStringLiteral("embosser-simulator: on the bus as ") + Simulator::serviceName());
 
         // Only the group talks to it.
-        const Ended member = call(stranger, group);
-        QCOMPARE(member.output, QStringLiteral("i 3\n"));
-        QCOMPARE(member.exitCode, 0);
-        const Ended refused = call(stranger, otherGroup);
-        QCOMPARE(refused.output, QString());
-        QCOMPARE(refused.exitCode, 1);
-        QVERIFY2(refused.errors.contains(QLatin1String("denied"), Qt::CaseInsensitive) ||
-                     refused.errors.contains(QLatin1String("not authorized")),
-                 qPrintable(refused.errors));
+        const QString name = Simulator::serviceName();
+        const QString simulator = QStringLiteral("com.tavelornbraille.Simulator");
+        const QStringList toService{name, QStringLiteral("/"), name, QStringLiteral("getType")};
+        const QStringList toSimulator{simulator, QStringLiteral("/com/tavelornbraille/Simulator"),
+                                      simulator + QStringLiteral(".Log"),
+                                      QStringLiteral("IsEnabled")};
+        for (const QStringList &message : {toService, toSimulator}) {
+            const Ended member = call(stranger, group, message);
+            QCOMPARE(member.output,
+                     message == toService ? QStringLiteral("i 3\n") : QStringLiteral("b false\n"));
+            QCOMPARE(member.exitCode, 0);
+            const Ended refused = call(stranger, otherGroup, message);
+            QCOMPARE(refused.output, QString());
+            QCOMPARE(refused.exitCode, 1);
+            QVERIFY2(refused.errors.contains(QLatin1String("denied"), Qt::CaseInsensitive) ||
+                         refused.errors.contains(QLatin1String("not authorized")),
+                     qPrintable(refused.errors));
+        }
 
         // Everybody sees that it is there, and that it goes.
         service.terminate();
@@ -279,13 +288,14 @@ private:
         return bus;
     }
 
-    static Ended call(const QString &user, const QString &userGroup)
+    /// `message` has destination, path, interface and method.
+    static Ended call(const QString &user, const QString &userGroup, const QStringList &message)
     {
-        const QString name = Simulator::serviceName();
-        OthersProcess busctl(
-            user, userGroup, QStringLiteral("busctl"),
-            {QStringLiteral("--address=") + qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"),
-             QStringLiteral("call"), name, QStringLiteral("/"), name, QStringLiteral("getType")});
+        OthersProcess busctl(user, userGroup, QStringLiteral("busctl"),
+                             QStringList{QStringLiteral("--address=") +
+                                             qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"),
+                                         QStringLiteral("call")} +
+                                 message);
         busctl.start();
         return waitForEnd(busctl);
     }

@@ -21,6 +21,8 @@ private Q_SLOTS:
     {
         // The simulator inherits it: a file that cannot grow is an error, not the end.
         std::signal(SIGXFSZ, SIG_IGN);
+        // So that nobody else keeps others from reading what the simulator writes.
+        ::umask(0);
     }
 
     void init()
@@ -113,10 +115,13 @@ private Q_SLOTS:
 
     void aSecretStaysInTheDevice()
     {
-        set("setPassphrase", {QStringLiteral("open sesame"), m_master});
+        for (const QString &collection : {m_master, QStringLiteral("other")})
+            set("setPassphrase", {QStringLiteral("open sesame"), collection});
         QCOMPARE(m_simulator.value("saveUserSettingsUSB"), QVariant(true));
+        QVERIFY(medium().contains("other"));
         QVERIFY(!medium().contains("open sesame"));
         QVERIFY(!medium().contains("Passphrase"));
+        expectOwnersAlone(mediumFile());
         set("setPassphrase", {QStringLiteral("new sesame"), m_master});
         QCOMPARE(m_simulator.value("loadUserSettingsUSB"), QVariant(true));
         QCOMPARE(m_simulator.value("getPassphrase", {m_master}), QVariant("new sesame"));
@@ -247,12 +252,14 @@ private Q_SLOTS:
     {
         const QString state = m_directory->filePath(QStringLiteral("state"));
         m_simulator.start({QStringLiteral("--state"), state});
-        set("setPassphrase", {QStringLiteral("open sesame"), m_master});
+        const QString other = QStringLiteral("other");
+        for (const QString &collection : {m_master, other})
+            set("setPassphrase", {QStringLiteral("open sesame"), collection});
         set("setSsid", {QStringLiteral("mine"), m_master});
+        set("setSsid", {QStringLiteral("theirs"), other});
         set("generateLegacyJson");
-        QFile file(state + QStringLiteral(".json"));
-        QVERIFY(file.open(QFile::ReadOnly));
-        const QByteArray content = file.readAll();
+        const QString path = state + QStringLiteral(".json");
+        const QByteArray content = read(path);
         QCOMPARE(QJsonDocument::fromJson(content)
                      .object()
                      .value(QStringLiteral("Communication and network"))
@@ -260,7 +267,10 @@ private Q_SLOTS:
                      .value(QStringLiteral("Ssid"))
                      .toString(),
                  QStringLiteral("mine"));
+        QVERIFY(content.contains("theirs"));
         QVERIFY(!content.contains("open sesame"));
+        QVERIFY(!content.contains("Passphrase"));
+        expectOwnersAlone(path);
     }
 
     void theLegacyJsonStaysWhenThereIsNoRoomForAnother()
@@ -284,6 +294,13 @@ private:
         const rlimit none{0, RLIM_INFINITY};
         QCOMPARE(::prlimit(pid_t(m_simulator.process().processId()), RLIMIT_FSIZE, &none, nullptr),
                  0);
+    }
+
+    static void expectOwnersAlone(const QString &path)
+    {
+        struct stat status;
+        QCOMPARE(::stat(qPrintable(path), &status), 0);
+        QCOMPARE(int(status.st_mode & (S_IRWXG | S_IRWXO)), 0);
     }
 
     void set(const char *method, const QVariantList &arguments = {}) const
