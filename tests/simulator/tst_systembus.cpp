@@ -197,6 +197,18 @@ private Q_SLOTS:
                      qPrintable(refused.errors));
         }
 
+        // Also while it has left the bus, and has the one name only.
+        const QStringList injection{QStringLiteral("Inject"),    QStringLiteral("ssus"),
+                                    QStringLiteral("drop-name"), QStringLiteral("getType"),
+                                    QStringLiteral("1"),         QStringLiteral("0")};
+        const QStringList faults{simulator, toSimulator.at(1),
+                                 simulator + QStringLiteral(".Faults")};
+        QCOMPARE(call(stranger, group, faults + injection).exitCode, 0);
+        QCOMPARE(call(stranger, group, toService).exitCode, 0);
+        QCOMPARE(call(stranger, group, toService).exitCode, 1);
+        QCOMPARE(call(stranger, group, toSimulator).output, QStringLiteral("b false\n"));
+        QCOMPARE(call(stranger, otherGroup, toSimulator).exitCode, 1);
+
         // Everybody sees that it is there, and that it goes.
         service.terminate();
         QCOMPARE(waitForEnd(service).exitCode, 0);
