@@ -79,7 +79,7 @@ void Configuration::requireInteger(const QString &name) const
     const QString type = setting(name).type;
     if (type != QLatin1String("i"))
         throw invalidValue(
-            QStringLiteral("%1 is no integer, but of D-Bus type %2").arg(name, type));
+            QStringLiteral("%1 is not an integer, but of D-Bus type %2").arg(name, type));
 }
 
 QVariant Configuration::initialValue(const QString &name, const QString &collection) const

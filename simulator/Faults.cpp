@@ -40,7 +40,7 @@ const KindDescription descriptions[]{
     {Fault::Kind::Crash, "crash", Detail::None,
      "the service ends at once, as if killed, before the call is carried out"},
     {Fault::Kind::DropName, "drop-name", Detail::Milliseconds,
-     "the service leaves the bus for DETAIL milliseconds, 0 is until it is told to come back; the "
+     "the service leaves the bus for DETAIL milliseconds, or, at 0, until Return() is called; the "
      "call is carried out and answered"},
 };
 
@@ -110,7 +110,7 @@ void Faults::inject(const QString &text)
     bool isNumber = calls.isEmpty();
     const quint32 number = isNumber ? 1 : calls.toUInt(&isNumber);
     if (!isNumber)
-        throw invalidArguments(QStringLiteral("\"%1\" is no number of calls").arg(calls));
+        throw invalidArguments(QStringLiteral("\"%1\" is not a number of calls").arg(calls));
     inject(text.section(colon, 0, 0), text.section(colon, 1, 1), number, text.section(colon, 3));
 }
 

@@ -22,7 +22,7 @@ QString childPointer(const QString &pointer, QString key)
     return pointer + QLatin1Char('/') + key;
 }
 
-/// Finds the line of each value in a text that is known to be JSON: QJsonDocument does not tell.
+/// Finds the line of each value in a text that is known to be JSON: QJsonDocument does not say.
 class LineIndex
 {
 public:
@@ -143,7 +143,7 @@ LayeredJson::LayeredJson(const QString &file, const BaseFile &baseFile)
         const Layer layer = m_layers.constLast();
         if (!name.isString())
             throw JsonError(layer.file, layer.lines.value(pointer),
-                            QStringLiteral("base: is no text"));
+                            QStringLiteral("base: is not a string"));
         const QString path = baseFile(name.toString(), layer.file);
         if (!QFile::exists(path))
             throw JsonError(layer.file, layer.lines.value(pointer),
@@ -174,7 +174,7 @@ QJsonObject LayeredJson::read(const QString &file)
     if (error.error != QJsonParseError::NoError)
         throw JsonError(file, 1 + text.left(error.offset).count('\n'), error.errorString());
     if (!document.isObject())
-        throw JsonError(file, 1, QStringLiteral("is no JSON object"));
+        throw JsonError(file, 1, QStringLiteral("is not a JSON object"));
     m_layers.append({file, LineIndex(file, text).lines()});
     return document.object();
 }
@@ -207,7 +207,7 @@ JsonNode::JsonNode(const LayeredJson &json, const QString &pointer, const QJsonV
 QStringList JsonNode::keys() const
 {
     if (!m_value.isObject())
-        refuse(QStringLiteral("is no object"));
+        refuse(QStringLiteral("is not an object"));
     return m_value.toObject().keys();
 }
 
@@ -224,7 +224,7 @@ JsonNode JsonNode::operator[](const QString &key) const
 QVector<JsonNode> JsonNode::elements() const
 {
     if (!m_value.isArray())
-        refuse(QStringLiteral("is no array"));
+        refuse(QStringLiteral("is not an array"));
     QVector<JsonNode> nodes;
     for (const QJsonValue value : m_value.toArray())
         nodes.append(
@@ -245,14 +245,14 @@ void JsonNode::allowOnly(const QStringList &allowed, const QVector<JsonNode> &ex
 QString JsonNode::toText() const
 {
     if (!m_value.isString())
-        refuse(QStringLiteral("is no text"));
+        refuse(QStringLiteral("is not a string"));
     return m_value.toString();
 }
 
 double JsonNode::toNumber() const
 {
     if (!m_value.isDouble())
-        refuse(QStringLiteral("is no number"));
+        refuse(QStringLiteral("is not a number"));
     return m_value.toDouble();
 }
 
@@ -261,7 +261,7 @@ int JsonNode::toInteger() const
     const double number = toNumber();
     if (number != std::floor(number) || number < std::numeric_limits<int>::min() ||
         number > std::numeric_limits<int>::max())
-        refuse(QStringLiteral("is no 32-bit integer"));
+        refuse(QStringLiteral("is not a 32-bit integer"));
     return int(number);
 }
 

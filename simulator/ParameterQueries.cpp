@@ -156,7 +156,7 @@ double number(const Configuration &configuration, const Call &call)
 {
     const QVariant value = configuration.value(call.text("name"), call.collectionId());
     if (value.userType() == QMetaType::QString)
-        throw invalidValue(QStringLiteral("%1 is no number").arg(call.text("name")));
+        throw invalidValue(QStringLiteral("%1 is not a number").arg(call.text("name")));
     return value.toDouble();
 }
 

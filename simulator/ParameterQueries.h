@@ -9,7 +9,7 @@ namespace simulator {
 
 class Configuration;
 
-/// What the service tells of its parameters, and the reading of them by name.
+/// What the service reports about its parameters, and the reading of them by name.
 Handlers parameterQueries(const Configuration &configuration);
 
 } // namespace simulator

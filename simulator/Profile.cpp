@@ -88,7 +88,8 @@ int readKey(const JsonNode &node)
     const auto enumeration = QMetaEnum::fromType<Enumeration>();
     const int value = readInteger(node);
     if (!enumeration.valueToKey(value))
-        node.refuse(QStringLiteral("is no %1").arg(QString::fromLatin1(enumeration.enumName())));
+        node.refuse(QStringLiteral("is not a value of %1")
+                        .arg(QString::fromLatin1(enumeration.enumName())));
     return value;
 }
 
@@ -338,7 +339,7 @@ void Profile::readAnswers(const JsonNode &node, const Interface &interface)
     for (const QString &name : node.keys()) {
         const Method *method = interface.method(name);
         if (!method)
-            node[name].refuse(QStringLiteral("is no method of the service"));
+            node[name].refuse(QStringLiteral("is not a method of the service"));
         m_answers.insert(name, readValue(node[name], method->resultType));
     }
     checkAnswers(node);
@@ -379,14 +380,14 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         const JsonNode member = node[name];
         const auto setting = settings.all().constFind(name.section(QLatin1Char('/'), 0, 0));
         if (setting == settings.all().cend())
-            member.refuse(QStringLiteral("is no setting of the service"));
+            member.refuse(QStringLiteral("is not a setting of the service"));
         if (setting->keyed != name.contains(QLatin1Char('/')))
             member.refuse(setting->keyed ? QStringLiteral("needs a key, after a slash")
                                          : QStringLiteral("takes no key"));
         const Parameter parameter = readParameter(member, *setting);
         m_parameters.insert(name, parameter);
         if (!parameter.row.isEmpty() && !m_rows.contains(parameter.row))
-            member["row"].refuse(QStringLiteral("is no value list"));
+            member["row"].refuse(QStringLiteral("is not a value list"));
         if (name == currentPaper() && !parameter.follows.isEmpty())
             member["follows"].refuse(QStringLiteral("the current paper cannot follow itself"));
         if (parameter.follows.isEmpty()) {
@@ -394,7 +395,7 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
             if (!objection.isEmpty())
                 member["default"].refuse(objection, constraintsOf(name));
         } else if (!m_papers.first().contains(parameter.follows)) {
-            member["follows"].refuse(QStringLiteral("is no property of a paper"));
+            member["follows"].refuse(QStringLiteral("is not a property of a paper"));
         }
     }
     for (const Setting &setting : settings.all()) {
@@ -463,7 +464,7 @@ QStringList Profile::readSettingNames(const JsonNode &node) const
 {
     for (const JsonNode &element : node.elements()) {
         if (!m_parameters.contains(element.toText()))
-            element.refuse(QStringLiteral("is no setting"),
+            element.refuse(QStringLiteral("is not a setting"),
                            {JsonNode(m_json)["settings"][element.toText()]});
     }
     return node.toTexts();
@@ -480,7 +481,7 @@ void Profile::readUserSettings(const JsonNode &node, const Settings &settings)
                 m_userSettings += setting.name;
         }
         if (m_userSettings.size() == before)
-            element.refuse(QStringLiteral("is no family of settings"));
+            element.refuse(QStringLiteral("is not a family of settings"));
     }
 }
 
@@ -507,7 +508,7 @@ QString Profile::objectionTo(const QString &name, const QVariant &value) const
                 .arg(shown, numberText(*parameter.min), numberText(*parameter.max), parameter.unit)
                 .trimmed();
         if (parameter.precision == 0 && number != std::floor(number))
-            return QStringLiteral("%1 is no whole number").arg(shown);
+            return QStringLiteral("%1 is not a whole number").arg(shown);
     }
     if (parameter.maxLength && value.toString().toUtf8().size() > *parameter.maxLength)
         return QStringLiteral("%1 is longer than %2 bytes")
@@ -524,7 +525,7 @@ void Profile::requireAnswers(const QStringList &methods) const
     }
     for (const QString &method : m_answers.keys()) {
         if (!methods.contains(method))
-            answers[method].refuse(QStringLiteral("is no query that the profile answers"));
+            answers[method].refuse(QStringLiteral("is not a query that the profile answers"));
     }
 }
 

@@ -91,7 +91,7 @@ public:
     bool isUserSetting(const QString &setting) const { return m_userSettings.contains(setting); }
 
     /// Why a setting cannot have a value, in words that follow its name; empty if it can. Does not
-    /// tell the value of a secret.
+    /// reveal the value of a secret.
     QString objectionTo(const QString &name, const QVariant &value) const;
 
     /// Throws JsonError unless exactly these methods have an answer.

@@ -22,7 +22,7 @@ namespace {
 
 const QString pageCounter = QStringLiteral("Counter/1");
 
-/// All that can be told without a setting, and who the embosser is.
+/// All that can be reported without a setting, and who the embosser is.
 QVariantMap embosserReport(const Configuration &configuration)
 {
     QVariantMap report;
@@ -79,7 +79,7 @@ void takeLayout(Configuration &configuration, const QString &path)
     const QString layoutName = QStringLiteral("LayoutName");
     const QJsonDocument content = QJsonDocument::fromJson(readFile(path));
     if (!content.isObject())
-        throw failed(QStringLiteral("%1: is no layout: no JSON object").arg(path));
+        throw failed(QStringLiteral("%1: is not a layout: not a JSON object").arg(path));
     QVariantMap values = content.object().toVariantMap();
     if (!values.contains(layoutName))
         values.insert(layoutName, QFileInfo(path).completeBaseName());
@@ -193,7 +193,7 @@ Handlers serviceCommands(const CommandTargets &t)
              t.restart();
              return QVariant();
          }},
-        // There is nothing behind the simulator whose errors it could be told.
+        // There is nothing behind the simulator whose errors could be reported.
         {QStringLiteral("connectErrorHandler"), [](const Call &) { return QVariant(); }},
     };
 }

@@ -38,7 +38,7 @@ QStringList filesOf(const QString &file)
     return files;
 }
 
-/// SQLite does not tell why it cannot write.
+/// SQLite does not say why it cannot write.
 void requireWritable(const QString &file)
 {
     for (const QString &each : filesOf(file)) {
@@ -46,7 +46,7 @@ void requireWritable(const QString &file)
         if (!device.open(QFile::ReadWrite))
             fail(each, device.errorString());
         if (!QFileInfo(each).isFile())
-            fail(each, QStringLiteral("is no regular file"));
+            fail(each, QStringLiteral("is not a regular file"));
     }
     if (!QFileInfo(QFileInfo(file).path()).isWritable())
         fail(file, QStringLiteral("its folder is not writable"));

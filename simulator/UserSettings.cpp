@@ -61,7 +61,7 @@ void UserSettings::apply(const QJsonObject &collections, Secrets secrets)
     for (auto collection = collections.begin(); collection != collections.end(); ++collection) {
         if (!collection->isObject())
             throw invalidValue(
-                QStringLiteral("the collection \"%1\" is no object").arg(collection.key()));
+                QStringLiteral("the collection \"%1\" is not an object").arg(collection.key()));
         const QJsonObject saved = collection->toObject();
         QVariantMap values;
         for (auto value = saved.begin(); value != saved.end(); ++value) {

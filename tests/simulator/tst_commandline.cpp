@@ -69,7 +69,7 @@ private Q_SLOTS:
         row("fault without its detail", {QStringLiteral("--fault=delay:getModel")},
             "--fault: delay takes a number of milliseconds");
         row("fault for no number of calls", {QStringLiteral("--fault=error:getModel:few")},
-            "--fault: \"few\" is no number of calls");
+            "--fault: \"few\" is not a number of calls");
     }
 
     void itSaysWhatItCannotDo()

@@ -176,7 +176,7 @@ private Q_SLOTS:
     void whatIsNoFileIsRefused()
     {
         QCOMPARE(::mkfifo(qPrintable(m_state), 0600), 0);
-        expectRefusal({QStringLiteral("--state"), m_state}, "is no regular file");
+        expectRefusal({QStringLiteral("--state"), m_state}, "is not a regular file");
         m_state = m_directory->path();
         expectRefusal({QStringLiteral("--state"), m_state}, "Is a directory");
     }
@@ -216,7 +216,7 @@ private Q_SLOTS:
         row("text for a number", "LetterFont", "five", "getLetterFont",
             "takes a value of D-Bus type i");
         row("fraction for a whole number", "LetterFont", 2.5, "getLetterFont",
-            "2.5 is no whole number");
+            "2.5 is not a whole number");
         row("number out of bounds", "LetterFont", 10, "getLetterFont", "10 is not between 0 and 9");
         row("number for a text", "Ssid", 5, "getSsid", "takes a value of D-Bus type s");
         row("text for a truth value", "UseAdjustableLinespacing", "1",

@@ -25,7 +25,7 @@ private Q_SLOTS:
 })",
             3, "");
         row("empty", "", 1, "illegal value");
-        row("no object", R"([])", 1, "is no JSON object");
+        row("no object", R"([])", 1, "is not a JSON object");
         row("unfinished", R"({
 "base": "Arvo",
 "settings": {)",
@@ -42,14 +42,14 @@ private Q_SLOTS:
             2, "base: there is no \"Avro\"");
         row("base that is no name", R"({
 "base": 1})",
-            2, "base: is no text");
+            2, "base: is not a string");
         row("base that is itself", R"({
 "base": "profile.json"})",
             2, "is based on itself");
         row("no base and nothing else", R"({})", 1, "answers: is missing");
         row("unknown setting", R"({"base": "Arvo", "settings": {
 "TabSiez": {}}})",
-            2, "settings/TabSiez: is no setting of the service");
+            2, "settings/TabSiez: is not a setting of the service");
         row("setting without its key", R"({"base": "Arvo", "settings": {
 "Counter": {}}})",
             2, "settings/Counter: needs a key");
@@ -65,10 +65,10 @@ private Q_SLOTS:
         row("value of another type", R"({"base": "Arvo", "settings": {
 "Model": {
 "default": 7}}})",
-            3, "settings/Model/default: is no text");
+            3, "settings/Model/default: is not a string");
         row("value that is no integer", R"({"base": "Arvo", "settings": {"AlignLow": {
 "default": 1.5}}})",
-            2, "settings/AlignLow/default: is no 32-bit integer");
+            2, "settings/AlignLow/default: is not a 32-bit integer");
         row("value out of its bounds", R"({"base": "Arvo", "settings": {"AlignLow": {
 "default": 101}}})",
             2, "settings/AlignLow/default: 101 is not between -100 and 100");
@@ -105,7 +105,7 @@ private Q_SLOTS:
             R"({"base": "Arvo",
 "settings": {
 "TabSiez": {}}})",
-            3, "settings/TabSiez: is no setting of the service");
+            3, "settings/TabSiez: is not a setting of the service");
         row("bounds the wrong way round", R"({"base": "Arvo", "settings": {"AlignLow": {
 "min": 101}}})",
             2, "settings/AlignLow/min: is above max");
@@ -114,7 +114,7 @@ private Q_SLOTS:
             2, "settings/Baudrate/default: 9601 is none of: 1200, 2400, ");
         row("list that is none", R"({"base": "Arvo", "settings": {"Baudrate": {
 "row": "Baud"}}})",
-            2, "settings/Baudrate/row: is no value list");
+            2, "settings/Baudrate/row: is not a value list");
         row("unknown property of a setting", R"({"base": "Arvo", "settings": {"Baudrate": {
 "maximum": 1}}})",
             2, "settings/Baudrate/maximum: is none of: default, ");
@@ -123,7 +123,7 @@ private Q_SLOTS:
             2, "settings/PaperWidth/row: is none of: follows, unit, min, max, precision");
         row("unknown property of the paper", R"({"base": "Arvo", "settings": {"PaperWidth": {
 "follows": "depth"}}})",
-            2, "settings/PaperWidth/follows: is no property of a paper");
+            2, "settings/PaperWidth/follows: is not a property of a paper");
         row("current paper that follows itself", R"({"base": "Arvo", "settings": {"PaperSize": {
 "default": null, "row": null,
 "follows": "sizeUnit"}}})",
@@ -150,7 +150,7 @@ private Q_SLOTS:
             2, "papers/A4/feedStep: is not above 0 in hundredths");
         row("paper of no orientation", R"({"base": "Arvo", "papers": {"A4": {
 "loadOrientation": 2}}})",
-            2, "papers/A4/loadOrientation: is no Orientation");
+            2, "papers/A4/loadOrientation: is not a value of Orientation");
         row("paper of another orientation", R"({"base": "Arvo", "papers": {"A4": {
 "formatOrientation": "Orientation.Landscape"}}})",
             2, "papers/A4/formatOrientation: does not agree with width and height");
@@ -160,7 +160,7 @@ private Q_SLOTS:
             2, "papers/A4/formatOrientation: does not agree with width and height");
         row("paper of no feed", R"({"base": "Arvo", "papers": {"A4": {
 "feedType": 5}}})",
-            2, "papers/A4/feedType: is no FeedType");
+            2, "papers/A4/feedType: is not a value of FeedType");
         row("no paper that suits the model", R"({"base": "Arvo", "answers": {
 "getMaskValue": 0}})",
             2, "answers/getMaskValue: there is no paper for it and for getFeedType");
@@ -187,7 +187,7 @@ private Q_SLOTS:
             2, "settings/PaperSize/row: is missing");
         row("bound beyond an int", R"({"base": "Arvo", "settings": {"AlignLow": {
 "max": 1e30}}})",
-            2, "settings/AlignLow/max: is no 32-bit integer");
+            2, "settings/AlignLow/max: is not a 32-bit integer");
         row("documents of an unknown kind", R"({"base": "Arvo", "documents": {
 "foo": {}}})",
             2, "documents/foo: is none of: demo, manual, service");
@@ -199,16 +199,16 @@ private Q_SLOTS:
             2, "rows/OnOff/2: has the key or the value of another entry");
         row("type that is none", R"({"base": "Arvo", "answers": {
 "getType": 9999}})",
-            2, "answers/getType: is no EmbosserType");
+            2, "answers/getType: is not a value of EmbosserType");
         row("feed that is none", R"({"base": "Arvo", "answers": {
 "getFeedType": 5}})",
-            2, "answers/getFeedType: is no FeedType");
+            2, "answers/getFeedType: is not a value of FeedType");
         row("head that is none", R"({"base": "Arvo", "answers": {
 "getHeadType": -1}})",
-            2, "answers/getHeadType: is no HeadType");
+            2, "answers/getHeadType: is not a value of HeadType");
         row("mask that is none", R"({"base": "Arvo", "answers": {
 "getModelMask": 8}})",
-            2, "answers/getModelMask: is no ModelMask");
+            2, "answers/getModelMask: is not a value of ModelMask");
         row("two models", R"({"base": "Kestan", "answers": {
 "isArvo": true}})",
             2, "answers/isArvo: does not agree with getType");
@@ -238,10 +238,10 @@ private Q_SLOTS:
             2, "answers/getType: is neither a number nor the key of an enumeration");
         row("answer to no method", R"({"base": "Arvo", "answers": {
 "isAvro": true}})",
-            2, "answers/isAvro: is no method of the service");
+            2, "answers/isAvro: is not a method of the service");
         row("answer to another method", R"({"base": "Arvo", "answers": {
 "getTabSize": 4}})",
-            2, "answers/getTabSize: is no query that the profile answers");
+            2, "answers/getTabSize: is not a query that the profile answers");
         row("answer that is missing", R"({"base": "Arvo",
 "answers": {"isUlm": null}})",
             2, "answers/isUlm: is missing");
@@ -255,14 +255,14 @@ private Q_SLOTS:
 "layoutParameters": [
 "TabSize",
 "TabSiez"]})",
-            4, "layoutParameters/1: is no setting");
+            4, "layoutParameters/1: is not a setting");
         row("name in a list of the base of a setting that is missing",
             R"({"base": "profile-base.json", "settings": {
 "Counter/8": null}})",
-            2, "layoutParameters/0: is no setting");
+            2, "layoutParameters/0: is not a setting");
         row("unknown family", R"({"base": "Arvo", "userSettings": {
 "families": ["Sound"]}})",
-            2, "userSettings/families/0: is no family of settings");
+            2, "userSettings/families/0: is not a family of settings");
     }
 
     void aBrokenProfileIsRefusedWithFileLineAndReason()

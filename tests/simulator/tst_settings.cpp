@@ -96,7 +96,7 @@ private Q_SLOTS:
         QTest::newRow("infinite") << "setTopOfForm" << QVariantList{qInf(), c, false}
                                   << "TopOfForm: inf is not between 0 and 100 mm";
         QTest::newRow("no whole number")
-            << "setFileSize" << QVariantList{1.5, c} << "FileSize: 1.5 is no whole number";
+            << "setFileSize" << QVariantList{1.5, c} << "FileSize: 1.5 is not a whole number";
         QTest::newRow("negative size") << "setFileSize" << QVariantList{-1.0, c}
                                        << "FileSize: -1 is not between 0 and 2147483647 bytes";
         QTest::newRow("checksum of more than 32 bits")
@@ -136,7 +136,7 @@ private Q_SLOTS:
             << "AlignLow: -2147483648 is not between -100 and 100";
         QTest::newRow("by the name of a text")
             << "setIntValue" << QVariantList{QStringLiteral("Model"), 1, c, false}
-            << "Model is no integer, but of D-Bus type s";
+            << "Model is not an integer, but of D-Bus type s";
     }
 
     void aValueThatCannotBeIsRefused()
@@ -295,7 +295,7 @@ private Q_SLOTS:
         QTest::newRow("no whole number")
             << "TabSize" << QVariant(2.5) << "TabSize: 2.5 is none of: 1, 2, ";
         QTest::newRow("no whole number within bounds")
-            << "AlignHigh" << QVariant(2.5) << "AlignHigh: 2.5 is no whole number";
+            << "AlignHigh" << QVariant(2.5) << "AlignHigh: 2.5 is not a whole number";
         QTest::newRow("more than an int")
             << "AlignHigh" << QVariant(1e30) << "AlignHigh: 1e+30 is not between -100 and 100";
         QTest::newRow("a number for a truth value")

@@ -178,11 +178,11 @@ private Q_SLOTS:
             "holds no settings");
         row("collection that is none",
             R"({"model": "Kestan", "collections": {"masterCollectionKey": 5}})",
-            "the collection \"masterCollectionKey\" is no object");
+            "the collection \"masterCollectionKey\" is not an object");
         row("one collection that is none",
             R"({"model": "Kestan", "collections": {"masterCollectionKey": {"LetterFont": 1},
                                                    "other": "x"}})",
-            "the collection \"other\" is no object");
+            "the collection \"other\" is not an object");
         row("unknown setting",
             R"({"model": "Kestan", "collections": {"masterCollectionKey": {"Sisd": "x"}}})",
             "there is no user setting \"Sisd\"");
@@ -230,9 +230,11 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.value("getTabSize"), QVariant(2));
         const QVariantMap layout = m_simulator.value("getLayoutParameters", {m_master}).toMap();
         QCOMPARE(layout.value(QStringLiteral("PaperSize")), QVariant("A4"));
-        QVERIFY(!m_simulator
-                     .error(QStringLiteral("setLayoutFromPath"), {QStringLiteral("/nonexistent")})
-                     .isEmpty());
+        QCOMPARE(m_simulator.error("setLayoutFromPath", {QStringLiteral("/nonexistent")}),
+                 QStringLiteral("/nonexistent: No such file or directory"));
+        writeMedium("[]");
+        QCOMPARE(m_simulator.error("setLayoutFromPath", {mediumFile()}),
+                 mediumFile() + QStringLiteral(": is not a layout: not a JSON object"));
     }
 
     void whatIsNoFileIsNotRead()
