@@ -80,10 +80,8 @@ QString Simulator::error(const QString &method, const QVariantList &arguments) c
 QVariant Simulator::control(const QString &interface, const QString &method,
                             const QVariantList &arguments) const
 {
-    const QString name = QStringLiteral("com.tavelornbraille.Simulator");
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(name, QStringLiteral("/com/tavelornbraille/Simulator"),
-                                       name + QLatin1Char('.') + interface, method);
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        controlName(), controlPath(), controlName() + QLatin1Char('.') + interface, method);
     message.setArguments(arguments);
     return resultOf(m_connection.call(message));
 }

@@ -45,6 +45,9 @@ public:
     QDBusConnection connection() const { return m_connection; }
 
     static QString serviceName();
+    /// The name and the path by which the simulator itself is controlled.
+    static QString controlName() { return QStringLiteral("com.tavelornbraille.Simulator"); }
+    static QString controlPath() { return QStringLiteral("/com/tavelornbraille/Simulator"); }
     static QString masterCollection() { return QStringLiteral("masterCollectionKey"); }
 
 private:

@@ -98,7 +98,7 @@ private Q_SLOTS:
         QCOMPARE(second.errors,
                  QStringLiteral("embosser-simulator: %1: another process owns the name (process "
                                 "%2)\n")
-                     .arg(QStringLiteral("com.tavelornbraille.Simulator"))
+                     .arg(Simulator::controlName())
                      .arg(first.process().processId()));
         QCOMPARE(first.value("getType").toInt(), 3);
     }

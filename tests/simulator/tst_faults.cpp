@@ -17,10 +17,9 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_simulator.connection().connect(
-            QStringLiteral("com.tavelornbraille.Simulator"),
-            QStringLiteral("/com/tavelornbraille/Simulator"),
-            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Happened"),
-            this, SIGNAL(happened(QString, QString))));
+            Simulator::controlName(), Simulator::controlPath(),
+            Simulator::controlName() + QStringLiteral(".Faults"), QStringLiteral("Happened"), this,
+            SIGNAL(happened(QString, QString))));
     }
 
     void init()
@@ -320,8 +319,8 @@ private Q_SLOTS:
         QFETCH(QString, detail);
         QFETCH(QString, said);
         QDBusMessage call = QDBusMessage::createMethodCall(
-            Simulator::serviceName(), QStringLiteral("/com/tavelornbraille/Simulator"),
-            QStringLiteral("com.tavelornbraille.Simulator.Faults"), QStringLiteral("Inject"));
+            Simulator::serviceName(), Simulator::controlPath(),
+            Simulator::controlName() + QStringLiteral(".Faults"), QStringLiteral("Inject"));
         call << kind << method << 1U << detail;
         const QDBusMessage reply = m_simulator.connection().call(call);
         QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
@@ -339,9 +338,8 @@ private:
     /// Calls the service by the name that it does not leave.
     QDBusMessage callDuringAbsence(const QString &method) const
     {
-        return m_simulator.connection().call(
-            QDBusMessage::createMethodCall(QStringLiteral("com.tavelornbraille.Simulator"),
-                                           QStringLiteral("/"), Simulator::serviceName(), method));
+        return m_simulator.connection().call(QDBusMessage::createMethodCall(
+            Simulator::controlName(), QStringLiteral("/"), Simulator::serviceName(), method));
     }
 
     /// Returns when all that the simulator was to do within that time has been done.

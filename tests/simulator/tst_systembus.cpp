@@ -170,7 +170,7 @@ private Q_SLOTS:
             const Ended ended = waitForEnd(other);
             QCOMPARE(ended.exitCode, 1);
             QVERIFY2(ended.errors.startsWith(
-                         QLatin1String("embosser-simulator: com.tavelornbraille.Simulator: ")),
+                         QStringLiteral("embosser-simulator: %1: ").arg(Simulator::controlName())),
                      qPrintable(ended.errors));
         }
         OthersProcess service(owner, otherGroup, installedProgram(), {});
@@ -179,9 +179,9 @@ private Q_SLOTS:
 
         // Only the group talks to it.
         const QString name = Simulator::serviceName();
-        const QString simulator = QStringLiteral("com.tavelornbraille.Simulator");
+        const QString simulator = Simulator::controlName();
         const QStringList toService{name, QStringLiteral("/"), name, QStringLiteral("getType")};
-        const QStringList toSimulator{simulator, QStringLiteral("/com/tavelornbraille/Simulator"),
+        const QStringList toSimulator{simulator, Simulator::controlPath(),
                                       simulator + QStringLiteral(".Log"),
                                       QStringLiteral("IsEnabled")};
         for (const QStringList &message : {toService, toSimulator}) {
