@@ -69,23 +69,33 @@ private Q_SLOTS:
     void passesOnTheMessageOfTheService_data()
     {
         QTest::addColumn<QString>("rules");
-        QTest::newRow("as usual") << QString();
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("shown");
+        const QString text = QStringLiteral("the \"drum\" is open\n\u00e9");
+        const QString shown = QStringLiteral("the \"drum\" is open\\n\u00e9");
+        QTest::newRow("as usual") << QString() << text << shown;
         // The message comes by way of the log.
-        QTest::newRow("whatever is to be logged") << QStringLiteral("*=false");
+        QTest::newRow("whatever is to be logged") << QStringLiteral("*=false") << text << shown;
+        QTest::newRow("an empty one") << QString() << QString() << QString();
+        QTest::newRow("control characters") << QString() << QStringLiteral("\b\f\r\t\u0001A")
+                                            << QStringLiteral("\\x08\\x0c\\x0d\\t\\x01A");
+        const QString aboveBmp = QString::fromUtf8("\U0001F600 \U0001FAE8A \U000E0001");
+        QTest::newRow("above U+FFFF") << QString() << aboveBmp << aboveBmp;
     }
 
     void passesOnTheMessageOfTheService()
     {
         QFETCH(QString, rules);
+        QFETCH(QString, message);
+        QFETCH(QString, shown);
         m_service.start();
-        m_service.setAnswer(Answer::error(QStringLiteral("tests.Error"),
-                                          QStringLiteral("the \"drum\" is open\n\u00e9")));
+        m_service.setAnswer(Answer::error(QStringLiteral("tests.Error"), message));
         const Outcome outcome = m_shell.run(
             QStringLiteral("QT_LOGGING_RULES='%1' embosserctl get PrintSpeed").arg(rules));
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.output, QByteArray());
         QCOMPARE(QString::fromUtf8(outcome.errors),
-                 QStringLiteral("embosserctl: PrintSpeed: the \"drum\" is open\\n\u00e9\n"));
+                 QStringLiteral("embosserctl: PrintSpeed: %1\n").arg(shown));
     }
 
     void showsWhatCouldBeReadBesideWhatFailed()
@@ -144,20 +154,32 @@ private Q_SLOTS:
         QVERIFY(outcome.errors.startsWith("embosserctl: Region: "));
     }
 
+    void keepsThePassphraseOutOfEveryMessage_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("passphrase");
+        const auto row = [](const char *name, const char *command, const char *passphrase) {
+            QTest::newRow(name) << QString::fromUtf8(command) << QString::fromUtf8(passphrase);
+        };
+        row("set", "set Passphrase '%1'", "secret words");
+        row("the quotes are forgotten", "set Passphrase %1", "secret words");
+        row("standard input", "set Passphrase << end\n%1\nend", "secret words");
+        row("call", "call setPassphrase '%1'", "secret words");
+        row("map", R"(call processSequence '{"Passphrase": "%1"}')", "secret words");
+        row("what QDebug escapes", "set Passphrase '%1'", "secret \"\\n\n\u0001\U0001FAE8words");
+    }
+
     void keepsThePassphraseOutOfEveryMessage()
     {
+        QFETCH(QString, command);
+        QFETCH(QString, passphrase);
         m_service.start();
-        m_service.setAnswer(QStringLiteral("setPassphrase"),
-                            Answer::error(QStringLiteral("tests.Error"),
-                                          QStringLiteral("secret words is too short")));
-        for (const char *command : {"set Passphrase 'secret words'",
-                                    "set Passphrase secret words", // the quotes are forgotten
-                                    "call setPassphrase 'secret words'"}) {
-            const Outcome outcome = run(QString::fromLatin1(command));
-            QVERIFY2(outcome.status != 0, command);
-            QVERIFY2(!outcome.errors.contains("secret"), outcome.errors.constData());
-            QVERIFY2(!outcome.errors.contains("words"), outcome.errors.constData());
-        }
+        m_service.setAnswer(Answer::error(QStringLiteral("tests.Error"),
+                                          passphrase + QStringLiteral(" is too short")));
+        const Outcome outcome = run(command.arg(passphrase));
+        QVERIFY(outcome.status != 0);
+        for (const char *part : {"secret", "words"})
+            QVERIFY2(!outcome.errors.contains(part), outcome.errors.constData());
     }
 
     void showsThePassphraseToGetOnly()
