@@ -4,6 +4,7 @@
 
 #include "DeferredSignals.h"
 #include "Failure.h"
+#include "Utf8.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
@@ -119,5 +120,10 @@ QString readSecret(const QString &name)
         throw Failure(ExitStatus::Usage,
                       QStringLiteral("%1 is empty; 'embosserctl set %1 \"\"' clears it").arg(name));
     }
-    return QString::fromUtf8(secret);
+    const std::optional<QString> text = textFromUtf8(secret);
+    if (!text) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("%1 contains a NUL or is not valid UTF-8").arg(name));
+    }
+    return *text;
 }

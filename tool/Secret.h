@@ -13,8 +13,8 @@ bool isSecret(const QString &name);
 QJsonValue withoutSecrets(const QJsonValue &value);
 
 /// Reads a secret: without echo after a prompt if standard input is a terminal, else the one line
-/// of standard input. Throws a Failure if there is none, or an empty one, which may come from a
-/// pipe whose first program has failed.
+/// of standard input. Throws a Failure if there is none, if it is not text, or if it is empty,
+/// which may come from a pipe whose first program has failed.
 QString readSecret(const QString &name);
 
 #endif

@@ -60,9 +60,21 @@ bool boolFromText(const QString &text)
     throwUnexpected(text, QStringLiteral("true or false"));
 }
 
+/// JSON can spell what D-Bus cannot send.
+QString sendableText(const QString &text)
+{
+    if (text.contains(QChar(QChar::Null)) || !text.isValidUtf16()) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("a text with a NUL or an unpaired surrogate cannot be sent"));
+    }
+    return text;
+}
+
 /// The entry of a map. JSON does not tell integers from other numbers, but D-Bus does.
 QVariant mapEntry(const QJsonValue &value)
 {
+    if (value.isString())
+        return sendableText(value.toString());
     const double number = value.toDouble();
     const bool isInt = value.isDouble() && std::trunc(number) == number &&
                        std::abs(number) <= std::numeric_limits<int>::max();
@@ -180,7 +192,7 @@ QVariant argumentFromText(const QString &text, const ValueType &type)
     if (type.name == QLatin1String("bool"))
         return boolFromText(text);
     if (type.name == QLatin1String("QString"))
-        return text;
+        return sendableText(text);
     if (type.name == QLatin1String("QVariantMap")) {
         const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
         // The text is not repeated: there may be a secret in it.

@@ -3,6 +3,7 @@
 #include "Catalogue.h"
 #include "CommandLine.h"
 #include "Output.h"
+#include "Utf8.h"
 #include "commands/Commands.h"
 #include "documentation/Documentation.h"
 
@@ -10,6 +11,21 @@
 #include <QtCore/QTextCodec>
 
 namespace {
+
+/// The arguments are not repeated: one of them may be a secret.
+QStringList texts(const QVector<const char *> &arguments)
+{
+    QStringList texts;
+    for (const char *argument : arguments) {
+        const std::optional<QString> text = textFromUtf8(argument);
+        if (!text) {
+            throw Failure(ExitStatus::Usage,
+                          QStringLiteral("argument %1 is not valid UTF-8").arg(texts.size()));
+        }
+        texts.append(*text);
+    }
+    return texts;
+}
 
 ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output &output)
 {
@@ -42,7 +58,7 @@ ExitStatus flushed(ExitStatus status, const Output &output)
 
 int main(int argc, char *argv[])
 {
-    // On a device without a locale, arguments are UTF-8 all the same.
+    // On a device without a locale, names of files are UTF-8 all the same.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("embosserctl"));
@@ -52,7 +68,7 @@ int main(int argc, char *argv[])
     Output output({});
     CommandLine line;
     try {
-        line = parseCommandLine(QCoreApplication::arguments(), commands);
+        line = parseCommandLine(texts(QVector<const char *>(argv, argv + argc)), commands);
     } catch (const Failure &failure) {
         output.error(failure.message());
         output.note(QStringLiteral("see 'embosserctl --help'"));

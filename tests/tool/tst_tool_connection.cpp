@@ -208,6 +208,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("passphrase");
         QTest::newRow("a line") << QStringLiteral("two words\\n") << QStringLiteral("two words");
         QTest::newRow("no newline") << QStringLiteral("word") << QStringLiteral("word");
+        QTest::newRow("not only ASCII") << QStringLiteral("\\303\\244") << QStringLiteral("\u00e4");
     }
 
     void readsThePassphraseFromStandardInput()
@@ -233,6 +234,10 @@ private Q_SLOTS:
         QTest::newRow("nothing") << QString() << empty;
         QTest::newRow("an empty line") << QStringLiteral("\\n") << empty;
         QTest::newRow("two lines") << QStringLiteral("one\\ntwo\\n") << tooMuch;
+        const QByteArray noText = "Passphrase contains a NUL or is not valid UTF-8";
+        QTest::newRow("a NUL") << QStringLiteral("a\\0b") << noText;
+        QTest::newRow("Latin-1") << QStringLiteral("a\\351b") << noText;
+        QTest::newRow("half a character") << QStringLiteral("a\\303") << noText;
         QTest::newRow("a line and an empty one") << QStringLiteral("one\\n\\n") << tooMuch;
     }
 
@@ -245,6 +250,23 @@ private Q_SLOTS:
             m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
         QCOMPARE(outcome.status, 2);
         QCOMPARE(outcome.errors, "embosserctl: " + message + '\n');
+        QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void refusesArgumentsThatAreNotText()
+    {
+        m_service.start();
+        for (const char *argument : {"a\\351b", "\\303", "\\355\\240\\200"}) {
+            const Outcome outcome =
+                run(QStringLiteral("set FreeText \"$(printf '%1')\"").arg(QLatin1String(argument)));
+            QCOMPARE(outcome.status, 2);
+            QCOMPARE(outcome.errors, QByteArray("embosserctl: argument 3 is not valid UTF-8\n"
+                                                "embosserctl: see 'embosserctl --help'\n"));
+        }
+        const Outcome map = run(QStringLiteral(R"(call processSequence '{"FreeText": "\u0000"}')"));
+        QCOMPARE(map.status, 2);
+        QCOMPARE(map.errors, QByteArray("embosserctl: sequence: a text with a NUL or an unpaired "
+                                        "surrogate cannot be sent\n"));
         QVERIFY(m_service.takeCalls().isEmpty());
     }
 
