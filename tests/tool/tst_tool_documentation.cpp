@@ -3,6 +3,8 @@
 #include "Shell.h"
 #include "Terminal.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 namespace {
@@ -62,6 +64,11 @@ private Q_SLOTS:
         row("settings to describe", "embosserctl describe KeepF", "KeepFormat\n");
         row("value lists", "embosserctl values Baud", "BaudRate\n");
         row("after options", "embosserctl --json --collection other get PrintSp", "PrintSpeed\n");
+        row("after an option with =", "embosserctl --collection = other get PrintSp",
+            "PrintSpeed\n");
+        row("no collection after =", "embosserctl get --collection = PrintSp", "");
+        row("after a collection", "embosserctl diff collection : other conf", "config one.json\n");
+        row("no collection after :", "embosserctl diff collection : conf", "");
         row("no collection", "embosserctl get --collection PrintSp", "");
         row("no value of an own option", "embosserctl restore --except conf", "");
         row("files after an own option", "embosserctl restore --except Model conf",
@@ -99,6 +106,20 @@ private Q_SLOTS:
                                      << QByteArray("<embosserctl set KeepFormat 1 --flag >");
         QTest::newRow("operations") << QByteArray("embosserctl --json call clearL\t")
                                     << QByteArray("<embosserctl --json call clearLog >");
+        QTest::newRow("after an option")
+            << QByteArray("embosserctl --collection other get PrintSp\t")
+            << QByteArray("<embosserctl --collection other get PrintSpeed >");
+        QTest::newRow("after an option with =")
+            << QByteArray("embosserctl --collection=other get PrintSp\t")
+            << QByteArray("<embosserctl --collection=other get PrintSpeed >");
+        QTest::newRow("after an own option with =")
+            << QByteArray("embosserctl restore --except=Model conf\t")
+            << QByteArray("<embosserctl restore --except=Model config\\ one.json >");
+        QTest::newRow("files or the service")
+            << QByteArray("embosserctl diff li\t") << QByteArray("<embosserctl diff live");
+        QTest::newRow("files instead of the service")
+            << QByteArray("embosserctl diff live conf\t")
+            << QByteArray("<embosserctl diff live config\\ one.json >");
         QTest::newRow("value lists") << QByteArray("embosserctl values Baud\t")
                                      << QByteArray("<embosserctl values BaudRate >");
     }
@@ -107,8 +128,11 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, typed);
         QFETCH(QByteArray, completed);
+        QTemporaryDir directory;
+        QFile file(directory.filePath(QStringLiteral("config one.json")));
+        QVERIFY(file.open(QFile::WriteOnly));
         Terminal terminal(QStringLiteral("zsh"), {QStringLiteral("-f"), QStringLiteral("-i")});
-        terminal.type("fpath=('" + zshDirectory.toUtf8() +
+        terminal.type("cd '" + directory.path().toUtf8() + "'; fpath=('" + zshDirectory.toUtf8() +
                       "' $fpath); autoload -U compinit; "
                       "compinit -u -D; PS1=; show() { print -r -- \"<$BUFFER>\" }; zle -N show; "
                       "bindkey '^X' show; print re''ady\n");

@@ -62,12 +62,14 @@ _embosserctl() {
     local options='%1'
     local words='' files='' limit=1000 command='' given=0 i
     COMPREPLY=()
+    # bash takes an argument apart at = and : by default.
     case $previous in
-    %4) return ;;
+    %4 | [=:]*) return ;;
     esac
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
-        %4) ((i++)) ;;
+        %4) [[ ${COMP_WORDS[i + 1]} == = ]] || ((i++)) ;;
+        [=:]*) ((i++)) ;;
         -*) ;;
         *)
             if [[ $command ]]; then

@@ -17,9 +17,11 @@ QString optionSpecification(const Option &option)
 {
     const QString name =
         (option.isRepeatable ? QStringLiteral("*--") : QStringLiteral("--")) + option.name;
-    const QString value =
-        option.valueName.isEmpty() ? QString() : QStringLiteral(":%1:").arg(option.valueName);
-    return QStringLiteral("    '%1[%2]%3'").arg(name, quoted(option.description), value);
+    const QString description = quoted(option.description);
+    // With "=", the value may be the next argument all the same.
+    return option.valueName.isEmpty()
+               ? QStringLiteral("    '%1[%2]'").arg(name, description)
+               : QStringLiteral("    '%1=[%2]:%3:'").arg(name, description, option.valueName);
 }
 
 /// What completes one argument, as the action of _arguments.
