@@ -70,22 +70,45 @@ QString sendableText(const QString &text)
     return text;
 }
 
-/// The entry of a map. JSON does not tell integers from other numbers, but D-Bus does.
-QVariant mapEntry(const QJsonValue &value)
+QVariant mapFromJson(const QJsonObject &object);
+
+/// A value in a map. JSON does not tell integers from other numbers, but D-Bus does.
+QVariant mapValue(const QJsonValue &value)
 {
-    if (value.isString())
+    switch (value.type()) {
+    case QJsonValue::String:
         return sendableText(value.toString());
-    const double number = value.toDouble();
-    const bool isInt = value.isDouble() && std::trunc(number) == number &&
-                       std::abs(number) <= std::numeric_limits<int>::max();
-    return isInt ? QVariant(value.toInt()) : value.toVariant();
+    case QJsonValue::Array: {
+        QVariantList list;
+        for (const auto &element : value.toArray())
+            list.append(mapValue(element));
+        return list;
+    }
+    case QJsonValue::Object:
+        return mapFromJson(value.toObject());
+    case QJsonValue::Double: {
+        const double number = value.toDouble();
+        const bool isInt =
+            std::trunc(number) == number && std::abs(number) <= std::numeric_limits<int>::max();
+        return isInt ? QVariant(int(number)) : QVariant(number);
+    }
+    case QJsonValue::Bool:
+        return value.toBool();
+    default:
+        throw Failure(ExitStatus::Usage, QStringLiteral("null cannot be sent"));
+    }
 }
 
 QVariant mapFromJson(const QJsonObject &object)
 {
     QVariantMap map;
-    for (auto entry = object.begin(); entry != object.end(); ++entry)
-        map.insert(entry.key(), mapEntry(entry.value()));
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        try {
+            map.insert(sendableText(entry.key()), mapValue(entry.value()));
+        } catch (const Failure &failure) {
+            throw Failure(failure.status(), about(entry.key(), failure.message()));
+        }
+    }
     return map;
 }
 

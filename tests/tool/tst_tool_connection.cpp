@@ -265,8 +265,9 @@ private Q_SLOTS:
         }
         const Outcome map = run(QStringLiteral(R"(call processSequence '{"FreeText": "\u0000"}')"));
         QCOMPARE(map.status, 2);
-        QCOMPARE(map.errors, QByteArray("embosserctl: sequence: a text with a NUL or an unpaired "
-                                        "surrogate cannot be sent\n"));
+        QCOMPARE(map.errors,
+                 QByteArray("embosserctl: sequence: FreeText: a text with a NUL or an unpaired "
+                            "surrogate cannot be sent\n"));
         QVERIFY(m_service.takeCalls().isEmpty());
     }
 
