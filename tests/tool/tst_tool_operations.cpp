@@ -182,6 +182,71 @@ private Q_SLOTS:
         QCOMPARE(sent.mid(0, expected.size()), expected);
     }
 
+    void sendsEveryTypeOfJson()
+    {
+        m_service.takeCalls();
+        const Outcome outcome = m_shell.run(
+            QStringLiteral("embosserctl call processSequence '{\"int\": -1, \"double\": 0.5, "
+                           "\"big\": 3000000000, \"bool\": true, \"text\": \"x\", "
+                           "\"list\": [2, \"y\"], \"map\": {\"a\": 3}}'"));
+        QCOMPARE(outcome.errors, QByteArray());
+        const QVector<RecordedCall> calls = m_service.takeCalls();
+        QCOMPARE(calls.size(), 1);
+        QVariantMap sent = qdbus_cast<QVariantMap>(calls[0].arguments[0]);
+        QCOMPARE(qdbus_cast<QVariantList>(sent.take(QStringLiteral("list"))),
+                 (QVariantList{2, QStringLiteral("y")}));
+        QCOMPARE(qdbus_cast<QVariantMap>(sent.take(QStringLiteral("map"))),
+                 (QVariantMap{{QStringLiteral("a"), 3}}));
+        QCOMPARE(sent, (QVariantMap{{QStringLiteral("int"), -1},
+                                    {QStringLiteral("double"), 0.5},
+                                    {QStringLiteral("big"), 3000000000.0},
+                                    {QStringLiteral("bool"), true},
+                                    {QStringLiteral("text"), QStringLiteral("x")}}));
+    }
+
+    void showsEveryTypeOfDBus_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QJsonValue>("shown");
+        const auto row = [](const char *name, const QVariant &value, const QJsonValue &shown) {
+            QTest::newRow(name) << value << shown;
+        };
+        const QVariantMap map{{QStringLiteral("a"), 3}, {QStringLiteral("b"), QVariantMap()}};
+        row("BYTE", QVariant::fromValue(uchar(200)), 200);
+        row("INT16", QVariant::fromValue(short(-5)), -5);
+        row("UINT16", QVariant::fromValue(ushort(65535)), 65535);
+        row("INT32", -70000, -70000);
+        row("UINT32", 4294967295U, 4294967295.0);
+        row("INT64", qlonglong(-5000000000), -5000000000.0);
+        row("UINT64", qulonglong(5000000000), 5000000000.0);
+        row("DOUBLE", 0.5, 0.5);
+        row("BOOLEAN", true, true);
+        row("STRING", QStringLiteral("x"), QStringLiteral("x"));
+        row("OBJECT_PATH", QVariant::fromValue(QDBusObjectPath(QStringLiteral("/a"))),
+            QStringLiteral("/a"));
+        row("SIGNATURE", QVariant::fromValue(QDBusSignature(QStringLiteral("ai"))),
+            QStringLiteral("ai"));
+        row("VARIANT", QVariant::fromValue(QDBusVariant(7)), 7);
+        row("an ARRAY of texts", QStringList{QStringLiteral("x")}, QJsonArray{QStringLiteral("x")});
+        row("an ARRAY of variants", QVariantList{1, map},
+            QJsonArray{1, QJsonObject::fromVariantMap(map)});
+        row("a DICT", map, QJsonObject::fromVariantMap(map));
+    }
+
+    void showsEveryTypeOfDBus()
+    {
+        QFETCH(QVariant, value);
+        QFETCH(QJsonValue, shown);
+        const QString key = QStringLiteral("key");
+        m_service.setAnswer(QStringLiteral("embosserInfoCmd"),
+                            Answer::value(QVariantMap{{key, value}}));
+        const Outcome outcome =
+            m_shell.run(QStringLiteral("embosserctl call embosserInfoCmd --json"));
+        const QJsonValue printed =
+            QJsonDocument::fromJson(outcome.output)[QStringLiteral("result")][key];
+        QCOMPARE(printed, shown);
+    }
+
     void sendsTheGivenCollection_data()
     {
         QTest::addColumn<QString>("options");
