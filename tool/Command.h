@@ -62,16 +62,16 @@ struct Command
     int minArguments = 0;
     int maxArguments = 0;
     Completion completion = Completion::None;
-    /// Whether only the first argument is completed so.
-    bool completesFirstOnly = false;
+    /// Whether only the first argument is a name, and not all.
+    bool namesFirstOnly = false;
     QVector<Option> options;
     QString summary;
     /// Paragraphs.
     QStringList description;
     ExitStatus (*run)(const Request &request) = nullptr;
 
-    /// How many of the arguments, from the first one, are completed.
-    int completedArguments() const { return completesFirstOnly ? 1 : maxArguments; }
+    /// How many of the arguments, from the first one, are names: completed, and never empty.
+    int maxNames() const { return namesFirstOnly ? 1 : maxArguments; }
 };
 
 #endif

@@ -93,6 +93,8 @@ void checkArguments(const QStringList &given, const Command &command)
         throwUsage(QStringLiteral("too few arguments; it is %1").arg(synopsis(command)));
     if (given.size() > command.maxArguments)
         throwUsage(QStringLiteral("too many arguments; it is %1").arg(synopsis(command)));
+    if (given.mid(0, command.maxNames()).contains(QString()))
+        throwUsage(QStringLiteral("an empty argument; it is %1").arg(synopsis(command)));
 }
 
 void parse(QCommandLineParser *parser, const QStringList &arguments, const QVector<Option> &options)

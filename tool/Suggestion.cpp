@@ -49,7 +49,7 @@ QStringList misspelt(const QString &given, const QStringList &known)
 QString didYouMean(const QString &given, const QStringList &known)
 {
     QStringList similar = misspelt(given, known);
-    if (similar.isEmpty())
+    if (similar.isEmpty() && !given.isEmpty())
         similar = known.filter(given, Qt::CaseInsensitive);
     if (similar.isEmpty())
         return {};

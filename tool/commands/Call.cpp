@@ -82,7 +82,7 @@ Command callCommand()
     command.minArguments = 1;
     command.maxArguments = Command::AnyNumber;
     command.completion = Completion::Operation;
-    command.completesFirstOnly = true;
+    command.namesFirstOnly = true;
     command.summary = QStringLiteral("call an operation");
     command.description = QStringList{
         QStringLiteral("Calls an operation and prints its result, if it has one. The number of "

@@ -56,7 +56,7 @@ Command setCommand()
     command.minArguments = 1;
     command.maxArguments = 2;
     command.completion = Completion::WritableSetting;
-    command.completesFirstOnly = true;
+    command.namesFirstOnly = true;
     command.options = {{flagOption, {}, QStringLiteral("give the service its own flag as true")}};
     command.summary = QStringLiteral("write a setting");
     command.description = QStringList{

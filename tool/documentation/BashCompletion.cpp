@@ -40,8 +40,8 @@ QString branch(const Command &command, const Catalogue &catalogue)
         text += QStringLiteral("        words='%1'\n").arg(words.join(QLatin1Char(' ')));
     if (takesFiles(command.completion))
         text += QStringLiteral("        files=yes\n");
-    if (command.completedArguments() != Command::AnyNumber)
-        text += QStringLiteral("        limit=%1\n").arg(command.completedArguments());
+    if (command.maxNames() != Command::AnyNumber)
+        text += QStringLiteral("        limit=%1\n").arg(command.maxNames());
     return text + QStringLiteral("        ;;\n");
 }
 

@@ -60,7 +60,7 @@ QString branch(const Command &command, const Catalogue &catalogue)
     if (!command.arguments.isEmpty()) {
         specifications.append(
             QStringLiteral("    \"%1:%2:%3\"")
-                .arg(command.completedArguments() == 1 ? QStringLiteral("1") : QStringLiteral("*"),
+                .arg(command.maxNames() == 1 ? QStringLiteral("1") : QStringLiteral("*"),
                      quoted(command.arguments), action(command.completion, catalogue)));
     }
     return QStringLiteral("%1)\n  %2  ;;\n").arg(command.name, callOfArguments(specifications));
