@@ -10,7 +10,20 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTextCodec>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
+
+/// Opens the standard files that are closed: the next file that is opened, such as the connection
+/// to the bus, would take their place. Reading finds nothing, and writing fails as it should.
+void openStandardFiles()
+{
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(file, F_GETFD) == -1)
+            open("/dev/null", O_RDONLY);
+    }
+}
 
 /// The arguments are not repeated: one of them may be a secret.
 QStringList texts(const QVector<const char *> &arguments)
@@ -58,6 +71,7 @@ ExitStatus flushed(ExitStatus status, const Output &output)
 
 int main(int argc, char *argv[])
 {
+    openStandardFiles();
     // On a device without a locale, names of files are UTF-8 all the same.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QCoreApplication application(argc, argv);

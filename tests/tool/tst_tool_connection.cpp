@@ -138,6 +138,25 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
     }
 
+    void failsWhenStandardOutputIsClosed()
+    {
+        m_service.start();
+        // With the newline, as many bytes as an eventfd, which Qt opens first, takes.
+        m_service.setAnswer(QStringLiteral("getTabSize"), Answer::value(1234567));
+        const Outcome outcome = run(QStringLiteral("get TabSize <&- >&-"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
+    }
+
+    void writesNoMessageToTheBusInsteadOfStandardError()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getTabSize"),
+                            Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
+        QCOMPARE(run(QStringLiteral("get TabSize Region <&- >&- 2>&-")).status, 1);
+        QCOMPARE(m_service.takeCalls().size(), 2);
+    }
+
     void monitorEndsWhenItsOutputCannotBeWritten()
     {
         const Outcome outcome = run(QStringLiteral("monitor > /dev/full"));
