@@ -31,7 +31,8 @@ void writeLine(FILE *file, const QString &line)
     write(file, line + QLatin1Char('\n'));
 }
 
-/// The text without what would move the cursor, break a row, or make the terminal do worse.
+/// The text with escapes for what would move the cursor, break a row, or make the terminal do
+/// worse, and for the backslash, which would look like one of them.
 QString printable(const QString &text)
 {
     QString result;
@@ -40,6 +41,8 @@ QString printable(const QString &text)
             result += QStringLiteral("\\n");
         else if (character == QLatin1Char('\t'))
             result += QStringLiteral("\\t");
+        else if (character == QLatin1Char('\\'))
+            result += QStringLiteral("\\\\");
         else if (character.category() == QChar::Other_Control)
             result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
         else

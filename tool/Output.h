@@ -19,7 +19,8 @@ struct OutputOptions
 /// Results on standard output, everything else on standard error.
 ///
 /// On a terminal, columns are aligned and headings coloured; elsewhere columns are separated by
-/// tabs. Control characters are shown as escapes in columns, and in anything on a terminal.
+/// tabs. Control characters and backslashes are shown as escapes in columns, and in anything on a
+/// terminal.
 class Output
 {
 public:

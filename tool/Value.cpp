@@ -32,14 +32,15 @@ int intFromText(const QString &text, const Enumeration &enumeration)
     if (isNumber)
         return number;
     const QStringList scoped = text.split(QStringLiteral("::"));
-    const std::optional<int> value =
-        scoped.size() == 2 ? Enumeration(scoped[0]).value(scoped[1]) : enumeration.value(text);
-    if (value)
+    const bool isScoped = scoped.size() == 2 && Enumeration(scoped[0]).isValid();
+    const Enumeration meant = isScoped ? Enumeration(scoped[0]) : enumeration;
+    const QString key = isScoped ? scoped[1] : text;
+    if (const std::optional<int> value = meant.value(key))
         return *value;
-    if (!enumeration.isValid())
+    if (!meant.isValid())
         throwUnexpected(text, QStringLiteral("an integer of 32 bits"));
-    throwUnexpected(text, QStringLiteral("a key of %1 or an integer of 32 bits%2")
-                              .arg(enumeration.name(), didYouMean(text, enumeration.keys())));
+    throwUnexpected(key, QStringLiteral("a key of %1 or an integer of 32 bits%2")
+                             .arg(meant.name(), didYouMean(key, meant.keys())));
 }
 
 double doubleFromText(const QString &text)
