@@ -7,6 +7,7 @@
 #include <QtCore/QDateTime>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtDBus/QDBusMetaType>
 #include <QtTest/QTest>
 
 #include <csignal>
@@ -17,6 +18,8 @@ class TestToolConnection : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { qDBusRegisterMetaType<QList<QVariantMap>>(); }
+
     void cleanup() { m_service.kill(); }
 
     void saysThatItIsNotConnected_data()
@@ -115,9 +118,10 @@ private Q_SLOTS:
     {
         ChildProcess simulator(
             QStringLiteral(SIMULATOR),
-            {QStringLiteral("--fault"), QStringLiteral("error:getRegion:2:not now")});
+            {QStringLiteral("--fault"), QStringLiteral("error:getRegion:3:not now")});
         simulator.startAndReadLine();
-        const Outcome dump = run(QStringLiteral("dump"));
+        const Outcome dump =
+            run(QStringLiteral("dump > dump.json; status=$?; cat dump.json; exit $status"));
         QCOMPARE(dump.status, 1);
         QCOMPARE(dump.errors, QByteArray("embosserctl: Region: not now\n"));
         const QJsonObject settings =
@@ -125,9 +129,12 @@ private Q_SLOTS:
         QVERIFY(!settings.contains(QStringLiteral("Region")));
         QVERIFY(settings.contains(QStringLiteral("PrintSpeed")));
 
-        const Outcome diff = run(QStringLiteral("diff live collection:other"));
-        QCOMPARE(diff.status, 1);
-        QCOMPARE(diff.errors, QByteArray("embosserctl: Region: not now\n"));
+        for (const char *sources : {"live dump.json", "dump.json live"}) {
+            const Outcome diff = run(QStringLiteral("diff %1").arg(QLatin1String(sources)));
+            QCOMPARE(diff.status, 1);
+            QCOMPARE(diff.errors, QByteArray("embosserctl: Region: not now\n"
+                                             "embosserctl: no difference\n"));
+        }
     }
 
     void failsWhenTheOutputCannotBeWritten()
@@ -210,12 +217,16 @@ private Q_SLOTS:
         m_service.setAnswer(QStringLiteral("getPassphrase"), Answer::value(secret));
         m_service.setAnswer(QStringLiteral("embosserInfoCmd"), Answer::value(map));
         m_service.setAnswer(QStringLiteral("getLayoutParameters"), Answer::value(map));
+        m_service.setAnswer(QStringLiteral("getValueList"),
+                            Answer::value(QVariant::fromValue(QList<QVariantMap>{map})));
 
         QCOMPARE(run(QStringLiteral("get Passphrase")).output, QByteArray("secret words\n"));
+        QCOMPARE(run(QStringLiteral("values Papers")).output,
+                 QByteArray("Passphrase\tSsid\n(not shown)\tworkshop\n"));
         for (const char *command :
              {"call getPassphrase", "call getPassphrase --json", "call embosserInfoCmd",
-              "call getLayoutParameters --json", "report", "report --json", "dump",
-              "diff live collection:other"}) {
+              "call getLayoutParameters --json", "call getValueList 0", "values Papers --json",
+              "report", "report --json", "dump", "diff live collection:other"}) {
             const Outcome outcome = run(QString::fromLatin1(command));
             QVERIFY2(!(outcome.output + outcome.errors).contains("secret words"), command);
         }

@@ -184,6 +184,40 @@ private Q_SLOTS:
         QCOMPARE(terminal.exitCode(), SIGINT);
     }
 
+    void asksNoMoreWhenInterrupted_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("dump") << QStringList{QStringLiteral("dump")};
+        QTest::newRow("diff") << QStringList{QStringLiteral("diff"), QStringLiteral("live"),
+                                             QStringLiteral("collection:other")};
+    }
+
+    void asksNoMoreWhenInterrupted()
+    {
+        QFETCH(QStringList, arguments);
+        m_service.setAnswer(QStringLiteral("getRegion"), delayed());
+        Terminal terminal(arguments);
+        QTRY_VERIFY(isCalled(QStringLiteral("getRegion")));
+        terminal.type(controlC);
+        terminal.shownAtEnd();
+        QCOMPARE(terminal.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(terminal.exitCode(), SIGINT);
+        QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void goesOnIgnoringASignalThatWasIgnored()
+    {
+        m_service.setAnswer(QStringLiteral("getRegion"), delayed());
+        Terminal terminal(
+            QStringLiteral("sh"),
+            {QStringLiteral("-c"), QStringLiteral("trap '' INT; exec " EMBOSSERCTL " dump")});
+        QTRY_VERIFY(isCalled(QStringLiteral("getRegion")));
+        terminal.type(controlC);
+        const QByteArray shown = terminal.shownAtEnd();
+        QCOMPARE(terminal.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(shown.contains("\"leftOut\""), shown.constData());
+    }
+
     void tellsWhatItHasRestoredWhenInterrupted_data()
     {
         QTest::addColumn<int>("signal");
@@ -235,6 +269,14 @@ private:
     static QStringList getTwo()
     {
         return {QStringLiteral("get"), QStringLiteral("PrintSpeed"), QStringLiteral("DraftSpeed")};
+    }
+
+    /// An answer that leaves time to interrupt the tool while it waits.
+    static Answer delayed()
+    {
+        Answer answer = Answer::value(QStringLiteral("x"));
+        answer.delayInMilliseconds = 1000;
+        return answer;
     }
 
     bool isCalled(const QString &member)
