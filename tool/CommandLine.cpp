@@ -90,11 +90,11 @@ void checkOptions(const QStringList &given, const Command &command)
 void checkArguments(const QStringList &given, const Command &command)
 {
     if (given.size() < command.minArguments)
-        throwUsage(QStringLiteral("too few arguments; it is %1").arg(synopsis(command)));
+        throwUsage(QStringLiteral("too few arguments; usage: %1").arg(synopsis(command)));
     if (given.size() > command.maxArguments)
-        throwUsage(QStringLiteral("too many arguments; it is %1").arg(synopsis(command)));
+        throwUsage(QStringLiteral("too many arguments; usage: %1").arg(synopsis(command)));
     if (given.mid(0, command.maxNames()).contains(QString()))
-        throwUsage(QStringLiteral("an empty argument; it is %1").arg(synopsis(command)));
+        throwUsage(QStringLiteral("an argument is empty; usage: %1").arg(synopsis(command)));
 }
 
 void parse(QCommandLineParser *parser, const QStringList &arguments, const QVector<Option> &options)
@@ -122,9 +122,9 @@ const QVector<Option> &commonOptions()
         {collectionOption, QStringLiteral("ID"),
          QStringLiteral("work on this collection instead of masterCollectionKey")},
         {jsonOption, {}, QStringLiteral("print the result as JSON")},
-        {quietOption, {}, QStringLiteral("print results and errors only")},
-        {noColorOption, {}, QStringLiteral("print without colours")},
-        {helpOption, {}, QStringLiteral("print this help, or the help on the command")},
+        {quietOption, {}, QStringLiteral("print only results and errors")},
+        {noColorOption, {}, QStringLiteral("do not colour the output")},
+        {helpOption, {}, QStringLiteral("print this help, or that of the command")},
         {versionOption, {}, QStringLiteral("print the version")},
     };
     return options;
@@ -162,7 +162,7 @@ CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command
     if (given.isEmpty() && runsNothing)
         return line;
     if (given.isEmpty())
-        throwUsage(QStringLiteral("a command is missing"));
+        throwUsage(QStringLiteral("no command given"));
     line.command = &commandNamed(given.takeFirst(), commands);
     line.arguments = given;
     if (runsNothing)

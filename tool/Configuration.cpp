@@ -122,9 +122,9 @@ Configuration configurationFromFile(const QString &name, const Catalogue &catalo
                                .arg(error.errorString(), QString::number(error.offset)));
     }
     if (document.object().value(formatKey) != formatName)
-        throwBadFile(name, QStringLiteral("this is no file that 'embosserctl dump' has written"));
+        throwBadFile(name, QStringLiteral("this is not a file written by 'embosserctl dump'"));
     if (!document.object().value(settingsKey).isObject())
-        throwBadFile(name, QStringLiteral("there are no settings in it"));
+        throwBadFile(name, QStringLiteral("it contains no settings"));
 
     Configuration configuration;
     const QJsonObject values = document.object().value(settingsKey).toObject();

@@ -17,11 +17,11 @@ struct Configuration
     QJsonObject values;
     /// The secret settings for which a file had values all the same.
     QStringList ignoredSecrets;
-    /// Failed if the service has not told all of them.
+    /// Failed if the service has not reported all of them.
     ExitStatus status = ExitStatus::Done;
 };
 
-/// Asks the service, with a progress bar, and tells on standard error what it does not answer.
+/// Asks the service, with a progress bar, and reports on standard error what it does not answer.
 Configuration readConfiguration(const Request &request, const std::optional<QString> &collection);
 
 /// The settings that a configuration leaves out because they are secret.

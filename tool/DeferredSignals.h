@@ -8,7 +8,7 @@
 #include <csignal>
 
 /// While an object lives, signals that would end the process only interrupt what it waits for. They
-/// take effect when the object goes, after everything has been tidied up and told.
+/// take effect when the object goes, after everything has been tidied up and reported.
 class DeferredSignals
 {
 public:

@@ -71,6 +71,6 @@ const Operation &operationFor(const Catalogue &catalogue, const QString &name, i
         forms.append(operation->name + operation->parameterList());
     }
     throw Failure(ExitStatus::Usage,
-                  QStringLiteral("%1 cannot be called with %2 arguments")
-                      .arg(forms.join(QStringLiteral(" or ")), QString::number(arguments)));
+                  QStringLiteral("wrong number of arguments (%1) for %2")
+                      .arg(QString::number(arguments), forms.join(QStringLiteral(" or "))));
 }

@@ -80,7 +80,7 @@ QByteArray pipedSecret(const QString &name)
         secret.chop(1);
     if (secret.contains('\n')) {
         throw Failure(ExitStatus::Usage,
-                      QStringLiteral("%1 is more than one line of standard input").arg(name));
+                      QStringLiteral("%1 is more than one line on standard input").arg(name));
     }
     return secret;
 }

@@ -38,8 +38,8 @@ int intFromText(const QString &text, const Enumeration &enumeration)
     if (const std::optional<int> value = meant.value(key))
         return *value;
     if (!meant.isValid())
-        throwUnexpected(text, QStringLiteral("an integer of 32 bits"));
-    throwUnexpected(key, QStringLiteral("a key of %1 or an integer of 32 bits%2")
+        throwUnexpected(text, QStringLiteral("a 32-bit integer"));
+    throwUnexpected(key, QStringLiteral("a key of %1 or a 32-bit integer%2")
                              .arg(meant.name(), didYouMean(key, meant.keys())));
 }
 
@@ -221,7 +221,7 @@ QVariant argumentFromText(const QString &text, const ValueType &type)
         const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
         // The text is not repeated: there may be a secret in it.
         if (!document.isObject())
-            throw Failure(ExitStatus::Usage, QStringLiteral("this is not a JSON object"));
+            throw Failure(ExitStatus::Usage, QStringLiteral("not a JSON object"));
         return mapFromJson(document.object());
     }
     throw Failure(ExitStatus::Usage,

@@ -260,7 +260,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("input");
         QTest::addColumn<QByteArray>("message");
         const QByteArray empty = "Passphrase is empty; 'embosserctl set Passphrase \"\"' clears it";
-        const QByteArray tooMuch = "Passphrase is more than one line of standard input";
+        const QByteArray tooMuch = "Passphrase is more than one line on standard input";
         QTest::newRow("nothing") << QString() << empty;
         QTest::newRow("an empty line") << QStringLiteral("\\n") << empty;
         QTest::newRow("two lines") << QStringLiteral("one\\ntwo\\n") << tooMuch;

@@ -99,7 +99,7 @@ private Q_SLOTS:
                  0);
         const Outcome outcome = run("restore three.json --json");
         QCOMPARE(outcome.status, 3);
-        QVERIFY(outcome.errors.contains("written, but not verified: AlignLow: not read again\n"));
+        QVERIFY(outcome.errors.contains("written, but not verified: AlignLow: not read back\n"));
         QVERIFY(outcome.errors.contains("not applied: Baudrate: "));
         QVERIFY(outcome.errors.contains("not applied: Volume: the service holds 5\n"));
         QVERIFY(outcome.errors.contains("not connected: "));

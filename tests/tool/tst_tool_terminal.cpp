@@ -244,7 +244,7 @@ private Q_SLOTS:
         const QByteArray shown = terminal.shownAtEnd();
         QVERIFY2(
             shown.contains("\r\x1b[Kembosserctl: written, but not verified: AlignAdjustment: not "
-                           "read again\r\n"),
+                           "read back\r\n"),
             shown.constData());
         QVERIFY2(shown.contains("\r\nembosserctl: not applied: AlignHigh: "), shown.constData());
         QVERIFY2(shown.endsWith(

@@ -59,7 +59,7 @@ ExitStatus run(const Request &request)
         throw Failure(ExitStatus::Failed, about(operation.name, *reply.error));
     }
     if (tellsSecret(operation, texts)) {
-        request.output.note(QStringLiteral("a secret is shown by the command get only"));
+        request.output.note(QStringLiteral("secrets are shown only by the command get"));
         print(request.output, operation, QJsonValue());
         return ExitStatus::Done;
     }
@@ -67,7 +67,7 @@ ExitStatus run(const Request &request)
     const bool isOutcome = operation.result.name == QLatin1String("bool") && !operation.isQuery();
     if (isOutcome && !reply.value.toBool()) {
         throw Failure(ExitStatus::Failed,
-                      about(operation.name, QStringLiteral("the service did not do it")));
+                      about(operation.name, QStringLiteral("the service refused")));
     }
     return ExitStatus::Done;
 }
@@ -85,11 +85,11 @@ Command callCommand()
     command.namesFirstOnly = true;
     command.summary = QStringLiteral("call an operation");
     command.description = QStringList{
-        QStringLiteral("Calls an operation and prints its result, if it has one. The number of "
-                       "arguments tells operations of the same name apart; arguments that have a "
-                       "default may be left away."),
-        QStringLiteral("An operation that answers false has been refused, unless it only asks "
-                       "(get, is, has): the exit status is 1."),
+        QStringLiteral("Calls an operation and prints its result, if it has one. Operations of the "
+                       "same name are distinguished by the number of arguments; arguments that "
+                       "have a default may be omitted."),
+        QStringLiteral("If an operation returns false, the service has refused it, and the exit "
+                       "status is 1. This does not apply to queries (get, is, has)."),
     };
     command.run = run;
     return command;

@@ -21,7 +21,7 @@ Command diffCommand();
 Command restoreCommand();
 Command monitorCommand();
 
-/// All subcommands, in the order in which they are told.
+/// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
     return {statusCommand(), listCommand(),    describeCommand(), getCommand(),    setCommand(),

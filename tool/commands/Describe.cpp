@@ -85,13 +85,13 @@ Command describeCommand()
     command.minArguments = 1;
     command.maxArguments = 1;
     command.completion = Completion::OperationOrSetting;
-    command.summary = QStringLiteral("tell all about an operation");
+    command.summary = QStringLiteral("describe an operation");
     command.description = QStringList{
-        QStringLiteral("Tells the meaning, parameters, result and remote method of an operation, "
-                       "and the keys of the enumeration that it deals in. OPERATION is a name; a "
-                       "name with types, such as 'getWidth(QString)', where only one of several "
-                       "operations is meant; or the name of a setting, for what reads and what "
-                       "writes it. The service is not needed."),
+        QStringLiteral(
+            "Shows the meaning, parameters, result and remote method of an operation, and the keys "
+            "of the enumeration that it uses. OPERATION is a name; a name with parameter types, "
+            "such as 'getWidth(QString)', to select one of several operations; or the name of a "
+            "setting, for the operations that read and write it. The service is not needed."),
     };
     command.run = run;
     return command;

@@ -45,7 +45,7 @@ ExitStatus run(const Request &request)
     const QStringList sources{request.arguments[0], request.arguments.value(1, live)};
     if (std::all_of(sources.begin(), sources.end(), isStandardInput)) {
         throw Failure(ExitStatus::Usage,
-                      QStringLiteral("standard input can be compared with something else only"));
+                      QStringLiteral("standard input cannot be compared with itself"));
     }
     const Configuration first = configurationOf(sources[0], request);
     const Configuration second = configurationOf(sources[1], request);
@@ -87,13 +87,12 @@ Command diffCommand()
     command.completion = Completion::FileOrLive;
     command.summary = QStringLiteral("compare two configurations");
     command.description = QStringList{
-        QStringLiteral(
-            "Shows the settings whose values differ. FIRST and SECOND are each a file "
-            "that dump has written ('-' is standard input, for one of them), 'collection:ID' for a "
-            "collection of the service, or 'live' for the collection in use, which "
-            "SECOND is if it is left away. A file named live is './live'."),
-        QStringLiteral("Secret settings are not compared. The exit status does not tell whether "
-                       "there are differences."),
+        QStringLiteral("Shows the settings whose values differ. FIRST and SECOND are each a file "
+                       "written by dump ('-' is standard input, for one of them), 'collection:ID' "
+                       "for a collection of the service, or 'live' for the collection in use, "
+                       "which is the default for SECOND. A file named live is given as './live'."),
+        QStringLiteral("Secret settings are not compared. The exit status does not depend on "
+                       "whether there are differences."),
     };
     command.run = run;
     return command;

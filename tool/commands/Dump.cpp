@@ -23,11 +23,11 @@ Command dumpCommand()
     command.summary = QStringLiteral("print the whole configuration as JSON");
     command.description = QStringList{
         QStringLiteral("Prints every setting that can be both read and written, as JSON that diff "
-                       "and restore read. Secret settings (Passphrase) are left out; their names "
-                       "are listed. What the service does not tell is left out as well, and the "
-                       "exit status is 1."),
-        QStringLiteral("What identifies the device (SerialNo, MacAddress) is a setting like any "
-                       "other: see the option --except of restore."),
+                       "and restore can read. Secret settings (Passphrase) are left out; their "
+                       "names are listed. A setting that the service does not report is left out "
+                       "as well, and the exit status is 1."),
+        QStringLiteral("Settings that identify the device (SerialNo, MacAddress) are included: see "
+                       "the option --except of restore."),
     };
     command.run = run;
     return command;

@@ -55,9 +55,10 @@ Command getCommand()
     command.completion = Completion::ReadableSetting;
     command.summary = QStringLiteral("show the values of settings");
     command.description = QStringList{
-        QStringLiteral("Shows the value of each setting. NAME is the name of an operation without "
-                       "its 'get': PrintSpeed stands for getPrintSpeed(). The value of a single "
-                       "setting is shown by itself, those of several beside their names."),
+        QStringLiteral(
+            "Shows the value of each setting. NAME is the name of an operation without its 'get': "
+            "PrintSpeed stands for getPrintSpeed(). The value of a single setting is shown by "
+            "itself, those of several settings next to their names."),
     };
     command.run = run;
     return command;

@@ -82,10 +82,11 @@ Command listCommand()
     command.completion = Completion::Operation;
     command.summary = QStringLiteral("list the operations, with their types and meaning");
     command.description = QStringList{
-        QStringLiteral("Lists the operations of the library in groups, each with its parameters, "
-                       "the type of its result and one line of meaning. PATTERN is part of the "
-                       "name, the meaning or the group; with the wildcards * and ? it is the whole "
-                       "name. Upper and lower case are the same. The service is not needed."),
+        QStringLiteral(
+            "Lists the operations of the library in groups, each with its parameters, the type of "
+            "its result and one line of meaning. PATTERN is matched against any part of the name, "
+            "the meaning and the group or, if it contains the wildcards * or ?, against the whole "
+            "name. Case is ignored. The service is not needed."),
     };
     command.run = run;
     return command;

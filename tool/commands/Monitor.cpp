@@ -94,11 +94,11 @@ Command monitorCommand()
 {
     Command command;
     command.name = QStringLiteral("monitor");
-    command.summary = QStringLiteral("print when the service comes and goes, until Ctrl-C");
+    command.summary = QStringLiteral("report when the service comes and goes, until Ctrl-C");
     command.description = QStringList{
-        QStringLiteral("Prints a line with the time for the state of the connection at first and "
-                       "for each change, until Ctrl-C. It ends with status 3 when the system bus "
-                       "itself is lost. With --json each line is an object."),
+        QStringLiteral("Prints the state of the connection with the time, first as it is and then "
+                       "whenever it changes, until Ctrl-C. Exits with status 3 when the system bus "
+                       "itself is lost. With --json, each line is an object."),
     };
     command.run = run;
     return command;

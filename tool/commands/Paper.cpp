@@ -68,10 +68,10 @@ Command paperCommand()
     command.maxArguments = 1;
     command.summary = QStringLiteral("show the geometry of a paper format");
     command.description = QStringList{
-        QStringLiteral("Shows what the service tells about a paper format: its sizes, feed step, "
-                       "orientations and the embossers that it suits. Without NAME, it is the "
-                       "current paper (the setting PaperSize). 'embosserctl values Papers' lists "
-                       "the papers."),
+        QStringLiteral(
+            "Shows what the service reports about a paper format: its sizes, feed step, "
+            "orientations and suitable embossers. The default for NAME is the current paper (the "
+            "setting PaperSize). 'embosserctl values Papers' lists the papers."),
     };
     command.run = run;
     return command;

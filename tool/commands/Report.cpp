@@ -78,10 +78,9 @@ Command reportCommand()
     command.name = QStringLiteral("report");
     command.summary = QStringLiteral("show the service's reports");
     command.description = QStringList{
-        QStringLiteral(
-            "Shows the service's report on the embosser and its report on the complete "
-            "current configuration. Numbers of an enumeration are shown by their key where "
-            "a setting has the same name. Secrets in them are not shown."),
+        QStringLiteral("Shows the service's report on the embosser and its report on the complete "
+                       "current configuration. The values of an enumeration are shown by key where "
+                       "a setting has the same name. Secrets are not shown."),
     };
     command.run = run;
     return command;

@@ -78,7 +78,7 @@ private:
     void setTargets(const Configuration &configuration, const Catalogue &catalogue)
     {
         for (const QString &name : configuration.ignoredSecrets)
-            setNotApplied(name, QStringLiteral("a secret is not restored"));
+            setNotApplied(name, QStringLiteral("secrets are not restored"));
         const QJsonObject &values = configuration.values;
         for (auto value = values.begin(); value != values.end(); ++value) {
             try {
@@ -141,7 +141,7 @@ private:
             target.refusal = reply.error;
             m_outcomes.insert(
                 name, reply.error ? Outcome{State::NotApplied, *reply.error}
-                                  : Outcome{State::Unverified, QStringLiteral("not read again")});
+                                  : Outcome{State::Unverified, QStringLiteral("not read back")});
         }
     }
 
@@ -162,8 +162,8 @@ QStringList namesIn(const Outcomes &outcomes, State state)
     return names;
 }
 
-/// The settings of the state with their reasons, each of which is told on standard error as well.
-QJsonObject told(const Output &output, const QString &label, const Outcomes &outcomes, State state)
+/// The settings of the state with their reasons, each of which is reported on standard error as well.
+QJsonObject reported(const Output &output, const QString &label, const Outcomes &outcomes, State state)
 {
     QJsonObject reasons;
     for (const QString &name : namesIn(outcomes, state)) {
@@ -179,9 +179,9 @@ ExitStatus print(const Output &output, const Outcomes &outcomes)
     const QStringList applied = namesIn(outcomes, State::Applied);
     const int unchanged = namesIn(outcomes, State::Unchanged).size();
     const QJsonObject unverified =
-        told(output, QStringLiteral("written, but not verified"), outcomes, State::Unverified);
+        reported(output, QStringLiteral("written, but not verified"), outcomes, State::Unverified);
     const QJsonObject notApplied =
-        told(output, QStringLiteral("not applied"), outcomes, State::NotApplied);
+        reported(output, QStringLiteral("not applied"), outcomes, State::NotApplied);
     if (output.isJson()) {
         output.json(QJsonObject{{QStringLiteral("applied"), QJsonArray::fromStringList(applied)},
                                 {QStringLiteral("unchanged"), unchanged},
@@ -231,20 +231,20 @@ Command restoreCommand()
     command.maxArguments = 1;
     command.completion = Completion::File;
     command.options = {{exceptOption, QStringLiteral("NAME"),
-                        QStringLiteral("leave this setting as it is"), true}};
+                        QStringLiteral("leave this setting unchanged"), true}};
     command.summary = QStringLiteral("write a configuration back");
     command.description = QStringList{
-        QStringLiteral("Writes back the settings in a file that dump has written ('-' is standard "
-                       "input), as far as they differ, and reads them again to see whether the "
-                       "service holds them. What could not be applied, or not be read again, is "
-                       "told with the reason, and the exit status is 1; the rest is applied all "
-                       "the same. Ctrl-C ends it when the service has answered the call under way, "
-                       "and what has been done by then is told."),
-        QStringLiteral("Secret settings stay as they are; one that somebody has put into the file "
-                       "counts as not applied."),
-        QStringLiteral("A file also holds what identifies the device that it is of, or belongs to "
-                       "its history, such as SerialNo, Model, MacAddress, WlanMacAddress and "
-                       "Counter. For another device, leave such settings out, each with --except."),
+        QStringLiteral(
+            "Writes back the settings in a file written by dump ('-' is standard input) where they "
+            "differ, and reads them again to verify that the service holds them. Settings that "
+            "could not be applied or verified are reported with the reason, and the exit status is "
+            "1; the others are applied nevertheless. Ctrl-C takes effect when the service has "
+            "answered the current call; what has been done by then is reported."),
+        QStringLiteral("Secret settings are left unchanged; if the file contains one, it is "
+                       "reported as not applied."),
+        QStringLiteral("A file also contains settings that belong to the identity or the history "
+                       "of its device, such as SerialNo, Model, MacAddress, WlanMacAddress and "
+                       "Counter. For another device, exclude each of them with --except."),
     };
     command.run = run;
     return command;

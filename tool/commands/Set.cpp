@@ -25,8 +25,7 @@ ExitStatus run(const Request &request)
     if (request.arguments.size() == 2) {
         value = argumentFromText(request.arguments[1], type);
     } else if (!isSecret(setting.name)) {
-        throw Failure(ExitStatus::Usage,
-                      QStringLiteral("%1 is to be set to what?").arg(setting.name));
+        throw Failure(ExitStatus::Usage, QStringLiteral("%1: no value given").arg(setting.name));
     }
 
     Session session(request.collection);
@@ -57,15 +56,15 @@ Command setCommand()
     command.maxArguments = 2;
     command.completion = Completion::WritableSetting;
     command.namesFirstOnly = true;
-    command.options = {{flagOption, {}, QStringLiteral("give the service its own flag as true")}};
+    command.options = {{flagOption, {}, QStringLiteral("set the service's own flag to true")}};
     command.summary = QStringLiteral("write a setting");
     command.description = QStringList{
         QStringLiteral("Writes a setting. NAME is the name of an operation without its 'set'. The "
                        "service decides whether it accepts the value."),
-        QStringLiteral("VALUE may be left away for a secret setting only (Passphrase). It is then "
-                       "asked for without echo if standard input is a terminal, and else the one "
-                       "line of standard input; it must not be empty. 'embosserctl set Passphrase "
-                       "\"\"' clears it."),
+        QStringLiteral("VALUE may be omitted only for a secret setting (Passphrase). It is then "
+                       "prompted for without echo if standard input is a terminal, and otherwise "
+                       "read from standard input, which must be a single line that is not empty. "
+                       "'embosserctl set Passphrase \"\"' clears it."),
     };
     command.run = run;
     return command;

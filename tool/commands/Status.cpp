@@ -44,7 +44,7 @@ bool isCapability(const Operation &operation)
            operation.result.name == QLatin1String("bool");
 }
 
-/// Asks the service several things, and tells on standard error what it does not answer.
+/// Asks the service several things, and reports on standard error what it does not answer.
 class Questions
 {
 public:
@@ -123,11 +123,11 @@ Command statusCommand()
 {
     Command command;
     command.name = QStringLiteral("status");
-    command.summary = QStringLiteral("show whether the service is there, and of which embosser");
+    command.summary = QStringLiteral("show the state of the service and the embosser's identity");
     command.description = QStringList{
         QStringLiteral("Shows whether the configuration service is connected, and the embosser's "
-                       "model, serial number, firmware and capabilities: the operations that "
-                       "answer true, such as hasFeeder."),
+                       "model, serial number, firmware and capabilities: the queries that return "
+                       "true, such as hasFeeder."),
     };
     command.run = run;
     return command;

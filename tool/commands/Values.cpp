@@ -45,11 +45,10 @@ Command valuesCommand()
     command.minArguments = 1;
     command.maxArguments = 1;
     command.completion = Completion::ValueList;
-    command.summary = QStringLiteral("show the choices of a value list");
+    command.summary = QStringLiteral("show the entries of a value list");
     command.description = QStringList{
-        QStringLiteral("Shows the values among which the service lets a setting be chosen, as a "
-                       "table. ROW is a key of RowValueList, such as Papers or BaudRate, or a "
-                       "number."),
+        QStringLiteral("Shows the values that the service offers for a setting, as a table. ROW is "
+                       "a key of RowValueList, such as Papers or BaudRate, or a number."),
     };
     command.run = run;
     return command;

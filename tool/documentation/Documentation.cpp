@@ -14,20 +14,20 @@ QString ProgramText::summary()
 QStringList ProgramText::description()
 {
     return {
-        QStringLiteral("Everything goes through the configuration service on the system bus, which "
-                       "knows the embosser's model, its limits and its units. embosserctl only "
-                       "passes on what it is given and what the service answers; it does not start "
-                       "the service."),
-        QStringLiteral("Numbers of an enumeration are shown by their key. Where a number is "
-                       "expected, the key may be given (Landscape), and the key of any enumeration "
-                       "with its name (PrintSpeed::Draft). A map is given as a JSON object. A text "
-                       "that begins with a minus is given after '--'."),
-        QStringLiteral("The values of secret settings (Passphrase) are shown by the command get "
-                       "only. On the command line they can be seen by other users and stay in the "
-                       "shell's history: leave the value away, and set reads it from standard "
-                       "input, or asks for it without echo."),
-        QStringLiteral("On a terminal the output is aligned and coloured. Elsewhere it is plain, "
-                       "its columns separated by tabs."),
+        QStringLiteral(
+            "Everything goes through the configuration service on the system bus, which knows the "
+            "embosser's model, its limits and its units. embosserctl only passes on what it is "
+            "given and what the service answers; it does not start the service."),
+        QStringLiteral("The values of an enumeration are shown by key. Where a number is expected, "
+                       "a key of its enumeration (Landscape) or a qualified key of any enumeration "
+                       "(PrintSpeed::Draft) is accepted as well. A map is given as a JSON object. "
+                       "Text that begins with a minus sign must follow '--'."),
+        QStringLiteral(
+            "The values of secret settings (Passphrase) are shown only by the command get. On the "
+            "command line they are visible to other users and stay in the shell's history: omit "
+            "the value, and set reads it from standard input, or prompts for it without echo."),
+        QStringLiteral("On a terminal, the output is aligned and coloured. Otherwise it is plain, "
+                       "with columns separated by tabs."),
     };
 }
 
@@ -37,7 +37,7 @@ QVector<QStringList> ProgramText::exitStatus()
         {QStringLiteral("0"), QStringLiteral("done")},
         {QStringLiteral("1"),
          QStringLiteral("the service refused or failed; its message is on standard error")},
-        {QStringLiteral("2"), QStringLiteral("the command line or a given file is wrong")},
+        {QStringLiteral("2"), QStringLiteral("the command line or an input file is invalid")},
         {QStringLiteral("3"),
          QStringLiteral("not connected: the system bus or the service on it is missing")},
     };
@@ -48,7 +48,7 @@ QVector<QStringList> ProgramText::environment()
     return {
         {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"),
          QStringLiteral("the address of the bus to use as the system bus")},
-        {QStringLiteral("NO_COLOR"), QStringLiteral("if not empty, as --no-color")},
+        {QStringLiteral("NO_COLOR"), QStringLiteral("if not empty, same as --no-color")},
     };
 }
 
@@ -56,11 +56,11 @@ QVector<QStringList> ProgramText::examples()
 {
     return {
         {QStringLiteral("embosserctl list speed"),
-         QStringLiteral("tells every operation that has to do with speed")},
+         QStringLiteral("lists all operations related to speed")},
         {QStringLiteral("embosserctl get PrintSpeed OddHighPulseTime"),
          QStringLiteral("shows two settings")},
         {QStringLiteral("embosserctl set AlignLow -3 --flag"),
-         QStringLiteral("writes a setting, and gives the service its flag")},
+         QStringLiteral("writes a setting and sets the service's flag")},
         {QStringLiteral("embosserctl call getReleaseTime Tray"),
          QStringLiteral("calls an operation that takes arguments")},
         {QStringLiteral("embosserctl set Passphrase < FILE"),
@@ -68,8 +68,8 @@ QVector<QStringList> ProgramText::examples()
         {QStringLiteral("embosserctl dump > before.json"),
          QStringLiteral("saves the configuration")},
         {QStringLiteral("embosserctl diff before.json"),
-         QStringLiteral("shows what has changed since")},
-        {QStringLiteral("embosserctl restore before.json"), QStringLiteral("takes it back")},
+         QStringLiteral("shows what has changed since then")},
+        {QStringLiteral("embosserctl restore before.json"), QStringLiteral("restores it")},
     };
 }
 
@@ -122,5 +122,5 @@ QString documentation(const QString &kind, const QVector<Command> &commands,
     if (kind == QLatin1String("zsh"))
         return zshCompletion(commands, catalogue);
     throw Failure(ExitStatus::Usage,
-                  QStringLiteral("'%1' cannot be generated, only man, bash and zsh").arg(kind));
+                  QStringLiteral("cannot generate '%1', only man, bash and zsh").arg(kind));
 }

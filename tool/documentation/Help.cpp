@@ -62,7 +62,7 @@ QString programHelp(const QVector<Command> &commands)
                           "Commands:\n%2\n"
                           "Options:\n%3\n"
                           "Exit status:\n%4\n"
-                          "'embosserctl COMMAND --help' tells more, as does 'man embosserctl'.\n")
+                          "For details see 'embosserctl COMMAND --help' and 'man embosserctl'.\n")
         .arg(ProgramText::summary(), definitions(rows), options(commonOptions()),
              definitions(ProgramText::exitStatus()));
 }
