@@ -41,7 +41,12 @@ private:
         sigaddset(&signals, SIGINT);
         sigaddset(&signals, SIGTERM);
         sigprocmask(SIG_BLOCK, &signals, nullptr);
-        return signalfd(-1, &signals, SFD_CLOEXEC);
+        const int file = signalfd(-1, &signals, SFD_CLOEXEC);
+        if (file == -1) {
+            throw Failure(ExitStatus::Failed,
+                          QStringLiteral("signals cannot be received: %1").arg(qt_error_string()));
+        }
+        return file;
     }
 
     int m_file;
