@@ -11,6 +11,7 @@
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -65,9 +66,12 @@ QStringList givenSecrets(const Operation &operation, const QVariantList &argumen
 }
 
 /// The service's message, in which it may have repeated what it was given.
-QString withoutTexts(QString message, const QStringList &texts)
+QString withoutTexts(QString message, QStringList texts)
 {
-    for (const QString &text : texts)
+    // The longest first: the shorter ones may be parts of it.
+    std::sort(texts.begin(), texts.end(),
+              [](const QString &a, const QString &b) { return a.size() > b.size(); });
+    for (const QString &text : qAsConst(texts))
         message.replace(text, QStringLiteral("(not shown)"));
     return message;
 }

@@ -192,6 +192,9 @@ private Q_SLOTS:
         row("standard input", "set Passphrase << end\n%1\nend", "secret words");
         row("call", "call setPassphrase '%1'", "secret words");
         row("map", R"(call processSequence '{"Passphrase": "%1"}')", "secret words");
+        row("one that is part of another",
+            R"(call processSequence '{"FtpPassword": "secret", "Passphrase": "%1"}')",
+            "secret words");
         row("what QDebug escapes", "set Passphrase '%1'", "secret \"\\n\n\u0001\U0001FAE8words");
     }
 
