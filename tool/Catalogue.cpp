@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+namespace tool {
+
 using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
@@ -210,3 +212,5 @@ QStringList Catalogue::writableSettings() const
     }
     return names;
 }
+
+} // namespace tool

@@ -9,6 +9,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+namespace tool {
+
 /// What getX() reads and setX(value) writes; either may be missing.
 struct Setting
 {
@@ -48,5 +50,7 @@ private:
     QVector<Operation> m_operations;
     QVector<Setting> m_settings;
 };
+
+} // namespace tool
 
 #endif

@@ -13,6 +13,8 @@
 #include <limits>
 #include <optional>
 
+namespace tool {
+
 class Catalogue;
 class Output;
 
@@ -73,5 +75,7 @@ struct Command
     /// How many of the arguments, from the first one, are names: completed, and never empty.
     int maxNames() const { return namesFirstOnly ? 1 : maxArguments; }
 };
+
+} // namespace tool
 
 #endif

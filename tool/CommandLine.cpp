@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace tool {
+
 namespace {
 
 const QString collectionOption = QStringLiteral("collection");
@@ -171,3 +173,5 @@ CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command
     checkArguments(line.arguments, *line.command);
     return line;
 }
+
+} // namespace tool

@@ -13,6 +13,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// The options that every command takes.
 const QVector<Option> &commonOptions();
 
@@ -36,5 +38,7 @@ struct CommandLine
 
 /// Throws a Failure that says what is wrong and what may have been meant.
 CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands);
+
+} // namespace tool
 
 #endif

@@ -19,6 +19,8 @@
 #include <csignal>
 #include <cstdio>
 
+namespace tool {
+
 namespace {
 
 const QString formatKey = QStringLiteral("format");
@@ -139,3 +141,5 @@ Configuration configurationFromFile(const QString &name, const Catalogue &catalo
     }
     return configuration;
 }
+
+} // namespace tool

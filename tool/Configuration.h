@@ -11,6 +11,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// The values of the settings that can be both read and written, but for the secret ones.
 struct Configuration
 {
@@ -35,5 +37,7 @@ QJsonObject configurationToJson(const Configuration &configuration, const Catalo
 /// Reads what configurationToJson() has written, but no secret that somebody has added; "-" is
 /// standard input. Throws a Failure that names the file and what is wrong with it.
 Configuration configurationFromFile(const QString &name, const Catalogue &catalogue);
+
+} // namespace tool
 
 #endif

@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+namespace tool {
+
 namespace {
 
 volatile std::sig_atomic_t caughtSignal = 0;
@@ -48,3 +50,5 @@ void DeferredSignals::throwIfCome()
     if (caughtSignal)
         throw Failure(ExitStatus::Failed, QStringLiteral("interrupted"));
 }
+
+} // namespace tool

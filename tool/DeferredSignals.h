@@ -7,6 +7,8 @@
 
 #include <csignal>
 
+namespace tool {
+
 /// While an object lives, signals that would end the process only interrupt what it waits for. They
 /// take effect when the object goes, after everything has been tidied up and reported.
 class DeferredSignals
@@ -28,5 +30,7 @@ private:
 
     QVector<Action> m_actions;
 };
+
+} // namespace tool
 
 #endif

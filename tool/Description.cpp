@@ -4,6 +4,8 @@
 
 #include <QtCore/QJsonArray>
 
+namespace tool {
+
 namespace {
 
 void insertType(QJsonObject *object, const ValueType &type)
@@ -35,3 +37,5 @@ QJsonObject describe(const Operation &operation)
             {QStringLiteral("parameters"), parameters},
             {QStringLiteral("result"), result}};
 }
+
+} // namespace tool

@@ -7,7 +7,11 @@
 
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 /// What there is to tell about an operation, as list and describe print it with --json.
 QJsonObject describe(const Operation &operation);
+
+} // namespace tool
 
 #endif

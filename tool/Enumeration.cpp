@@ -4,6 +4,8 @@
 
 #include <libconfigurationmanager/lcm.h>
 
+namespace tool {
+
 namespace {
 
 QMetaEnum enumerator(const QString &name)
@@ -36,3 +38,5 @@ std::optional<int> Enumeration::value(const QString &key) const
     const int value = m_enum.keyToValue(key.toLatin1().constData(), &found);
     return found ? std::optional(value) : std::nullopt;
 }
+
+} // namespace tool

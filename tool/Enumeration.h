@@ -9,6 +9,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// An enumeration of lcm::EnumDetail, by name; invalid when there is none of that name.
 class Enumeration
 {
@@ -29,5 +31,7 @@ public:
 private:
     QMetaEnum m_enum;
 };
+
+} // namespace tool
 
 #endif

@@ -8,6 +8,8 @@
 #include <exception>
 #include <utility>
 
+namespace tool {
+
 /// The exit status of the program.
 enum class ExitStatus {
     Done = 0,
@@ -43,5 +45,7 @@ inline QString about(const QString &name, const QString &message)
 {
     return name + QStringLiteral(": ") + reason(name, message);
 }
+
+} // namespace tool
 
 #endif

@@ -7,6 +7,8 @@
 
 #include <utility>
 
+namespace tool {
+
 namespace {
 
 const char libraryCategory[] = "libconfigurationmanager.ConfigurationManager";
@@ -93,3 +95,5 @@ void LibraryLog::handle(QtMsgType type, const QMessageLogContext &context, const
     else
         s_current->m_previous(type, context, text);
 }
+
+} // namespace tool

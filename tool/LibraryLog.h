@@ -8,6 +8,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// What the library has logged: the only place where it tells that an operation failed.
 ///
 /// While an object lives, the library's lines come here, whatever the user's logging rules are, and
@@ -35,5 +37,7 @@ private:
     const QtMessageHandler m_previous;
     std::optional<Failure> m_failure;
 };
+
+} // namespace tool
 
 #endif

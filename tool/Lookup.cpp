@@ -5,6 +5,8 @@
 #include "Failure.h"
 #include "Suggestion.h"
 
+namespace tool {
+
 namespace {
 
 /// The operations that reach a setting of this name, but only with a key beside the value.
@@ -74,3 +76,5 @@ const Operation &operationFor(const Catalogue &catalogue, const QString &name, i
                   QStringLiteral("wrong number of arguments (%1) for %2")
                       .arg(QString::number(arguments), forms.join(QStringLiteral(" or "))));
 }
+
+} // namespace tool

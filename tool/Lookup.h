@@ -8,6 +8,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
+namespace tool {
+
 // What the user's names stand for. Each function throws a Failure that says why a name stands for
 // nothing, and what may have been meant.
 
@@ -19,5 +21,7 @@ QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QS
 
 /// The one of them that takes so many arguments.
 const Operation &operationFor(const Catalogue &catalogue, const QString &name, int arguments);
+
+} // namespace tool
 
 #endif

@@ -2,6 +2,8 @@
 
 #include "Operation.h"
 
+namespace tool {
+
 namespace {
 
 const QString getterPrefix = QStringLiteral("get");
@@ -62,3 +64,5 @@ bool Operation::isQuery() const
     return isGetter() || name.startsWith(QLatin1String("is")) ||
            name.startsWith(QLatin1String("has"));
 }
+
+} // namespace tool

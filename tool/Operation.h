@@ -10,6 +10,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+namespace tool {
+
 /// The type of a parameter or result, with the enumeration that gives its numbers their meaning.
 struct ValueType
 {
@@ -57,5 +59,7 @@ struct Operation
     /// Whether the operation only asks, so that a result of false is an answer, no refusal.
     bool isQuery() const;
 };
+
+} // namespace tool
 
 #endif

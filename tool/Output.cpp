@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <unistd.h>
 
+namespace tool {
+
 namespace {
 
 const QString bold = QStringLiteral("1");
@@ -199,3 +201,5 @@ void Output::error(const QString &text) const
 {
     writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
 }
+
+} // namespace tool

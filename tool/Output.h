@@ -8,6 +8,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+namespace tool {
+
 /// What the user wants of the output.
 struct OutputOptions
 {
@@ -56,5 +58,7 @@ private:
     OutputOptions m_options;
     bool m_isTerminal;
 };
+
+} // namespace tool
 
 #endif

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 
+namespace tool {
+
 namespace {
 
 const int barWidth = 40;
@@ -35,3 +37,5 @@ void ProgressBar::step()
     const QString bar = QString(filled, QLatin1Char('#')).leftJustified(barWidth);
     redraw(QStringLiteral("[%1] %2/%3").arg(bar).arg(m_done).arg(m_steps));
 }
+
+} // namespace tool

@@ -5,6 +5,8 @@
 
 #include <QtCore/QtGlobal>
 
+namespace tool {
+
 /// A bar on the terminal of standard error; it is gone when the work is done.
 class ProgressBar
 {
@@ -21,5 +23,7 @@ private:
     int m_done = 0;
     bool m_isShown;
 };
+
+} // namespace tool
 
 #endif

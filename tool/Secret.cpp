@@ -17,6 +17,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace tool {
+
 namespace {
 
 /// A terminal that does not show what is typed. The process cannot be stopped meanwhile, and ends
@@ -127,3 +129,5 @@ QString readSecret(const QString &name)
     }
     return *text;
 }
+
+} // namespace tool

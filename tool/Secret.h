@@ -6,6 +6,8 @@
 #include <QtCore/QJsonValue>
 #include <QtCore/QString>
 
+namespace tool {
+
 /// Whether the setting or operation of this name deals in a secret, such as a passphrase.
 bool isSecret(const QString &name);
 
@@ -16,5 +18,7 @@ QJsonValue withoutSecrets(const QJsonValue &value);
 /// of standard input. Throws a Failure if there is none, if it is not text, or if it is empty,
 /// which may come from a pipe whose first program has failed.
 QString readSecret(const QString &name);
+
+} // namespace tool
 
 #endif

@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <array>
 
+namespace tool {
+
 namespace {
 
 /// What the meta-object calls the type. An enumeration has the size of an int, and needs no
@@ -113,3 +115,5 @@ Reply Session::call(const Operation &operation, const QVariantList &arguments)
     }
     return reply;
 }
+
+} // namespace tool

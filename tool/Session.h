@@ -13,6 +13,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// The result of an operation, or why it failed.
 struct Reply
 {
@@ -44,5 +46,7 @@ private:
     LibraryLog m_log;
     libconfigurationmanager::detail::ConfigurationManager m_library;
 };
+
+} // namespace tool
 
 #endif

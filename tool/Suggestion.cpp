@@ -9,6 +9,8 @@
 #include <numeric>
 #include <utility>
 
+namespace tool {
+
 namespace {
 
 /// The number of characters to insert, remove, replace or swap with their neighbour.
@@ -56,3 +58,5 @@ QString didYouMean(const QString &given, const QStringList &known)
     const QStringList best = similar.mid(0, maxSuggestions);
     return QStringLiteral("; did you mean '%1'?").arg(best.join(QStringLiteral("' or '")));
 }
+
+} // namespace tool

@@ -4,6 +4,8 @@
 
 #include <QtCore/QTextCodec>
 
+namespace tool {
+
 std::optional<QString> textFromUtf8(const QByteArray &bytes)
 {
     QTextCodec::ConverterState state;
@@ -12,3 +14,5 @@ std::optional<QString> textFromUtf8(const QByteArray &bytes)
     const bool isUtf8 = state.invalidChars == 0 && state.remainingChars == 0;
     return isUtf8 && !bytes.contains('\0') ? std::optional(text) : std::nullopt;
 }
+
+} // namespace tool

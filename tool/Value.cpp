@@ -18,6 +18,8 @@
 #include <cmath>
 #include <limits>
 
+namespace tool {
+
 namespace {
 
 [[noreturn]] void throwUnexpected(const QString &text, const QString &expected)
@@ -259,3 +261,5 @@ QString toText(const QJsonValue &value)
     const QByteArray json = QJsonDocument(array).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(json.mid(1, json.size() - 2));
 }
+
+} // namespace tool

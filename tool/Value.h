@@ -9,6 +9,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
+namespace tool {
+
 /// The argument that a text of the command line stands for; a map is given as a JSON object.
 ///
 /// A number is given as such, by the key of its enumeration ("Landscape"), or by the key of any
@@ -23,5 +25,7 @@ QJsonValue toJson(const QVariant &value, const ValueType &type);
 
 /// A value as text: a text as it is, others in compact JSON, but null says that it is not shown.
 QString toText(const QJsonValue &value);
+
+} // namespace tool
 
 #endif

@@ -13,6 +13,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace tool;
+
 namespace {
 
 /// Opens the standard files that are closed: the next file that is opened, such as the connection

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+namespace tool {
+
 namespace {
 
 QVariantList argumentsFor(const Operation &operation, const QStringList &texts)
@@ -94,3 +96,5 @@ Command callCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -7,6 +7,8 @@
 
 #include <QtCore/QVector>
 
+namespace tool {
+
 Command statusCommand();
 Command listCommand();
 Command describeCommand();
@@ -28,5 +30,7 @@ inline QVector<Command> allCommands()
             callCommand(),   valuesCommand(),  paperCommand(),    reportCommand(), dumpCommand(),
             diffCommand(),   restoreCommand(), monitorCommand()};
 }
+
+} // namespace tool
 
 #endif

@@ -8,6 +8,8 @@
 
 #include <QtCore/QJsonArray>
 
+namespace tool {
+
 namespace {
 
 /// The operations of the name, or those of the setting that has it.
@@ -96,3 +98,5 @@ Command describeCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace tool {
+
 namespace {
 
 const QString live = QStringLiteral("live");
@@ -97,3 +99,5 @@ Command diffCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

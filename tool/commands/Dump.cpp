@@ -5,6 +5,8 @@
 #include "../Configuration.h"
 #include "../Output.h"
 
+namespace tool {
+
 namespace {
 
 ExitStatus run(const Request &request)
@@ -32,3 +34,5 @@ Command dumpCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -9,6 +9,8 @@
 
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 namespace {
 
 ExitStatus run(const Request &request)
@@ -63,3 +65,5 @@ Command getCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

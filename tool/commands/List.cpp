@@ -9,6 +9,8 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QRegularExpression>
 
+namespace tool {
+
 namespace {
 
 /// Whether the operation is one of those that the user looks for.
@@ -91,3 +93,5 @@ Command listCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

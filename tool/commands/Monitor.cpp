@@ -15,6 +15,8 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+namespace tool {
+
 using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
@@ -108,3 +110,5 @@ Command monitorCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

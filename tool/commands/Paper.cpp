@@ -9,6 +9,8 @@
 
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 namespace {
 
 const QString currentPaperSetting = QStringLiteral("PaperSize");
@@ -76,3 +78,5 @@ Command paperCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

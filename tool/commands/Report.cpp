@@ -11,6 +11,8 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 namespace {
 
 /// The value with each number in it as the setting of the same name shows it: an enumeration's by
@@ -85,3 +87,5 @@ Command reportCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -16,6 +16,8 @@
 #include <csignal>
 #include <optional>
 
+namespace tool {
+
 namespace {
 
 const QString exceptOption = QStringLiteral("except");
@@ -162,8 +164,10 @@ QStringList namesIn(const Outcomes &outcomes, State state)
     return names;
 }
 
-/// The settings of the state with their reasons, each of which is reported on standard error as well.
-QJsonObject reported(const Output &output, const QString &label, const Outcomes &outcomes, State state)
+/// The settings of the state with their reasons, each of which is reported on standard error as
+/// well.
+QJsonObject reported(const Output &output, const QString &label, const Outcomes &outcomes,
+                     State state)
 {
     QJsonObject reasons;
     for (const QString &name : namesIn(outcomes, state)) {
@@ -249,3 +253,5 @@ Command restoreCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

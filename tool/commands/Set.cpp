@@ -10,6 +10,8 @@
 
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 namespace {
 
 const QString flagOption = QStringLiteral("flag");
@@ -69,3 +71,5 @@ Command setCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -10,6 +10,8 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
+namespace tool {
+
 namespace {
 
 /// A line of the status: what it is called and which operation tells it.
@@ -132,3 +134,5 @@ Command statusCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

@@ -10,6 +10,8 @@
 
 #include <QtCore/QJsonArray>
 
+namespace tool {
+
 namespace {
 
 const QString valueListOperation = QStringLiteral("getValueList");
@@ -53,3 +55,5 @@ Command valuesCommand()
     command.run = run;
     return command;
 }
+
+} // namespace tool

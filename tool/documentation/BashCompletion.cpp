@@ -3,6 +3,8 @@
 #include "../CommandLine.h"
 #include "Documentation.h"
 
+namespace tool {
+
 namespace {
 
 QString optionNames(const QVector<Option> &options)
@@ -104,3 +106,5 @@ complete -F _embosserctl embosserctl
         .arg(optionNames(commonOptions()), names.join(QLatin1Char(' ')), branches,
              optionsWithValue(commands));
 }
+
+} // namespace tool

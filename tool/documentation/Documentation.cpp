@@ -6,6 +6,8 @@
 #include "../Enumeration.h"
 #include "../Failure.h"
 
+namespace tool {
+
 QString ProgramText::summary()
 {
     return QStringLiteral("reads and writes the configuration of a Braille embosser");
@@ -124,3 +126,5 @@ QString documentation(const QString &kind, const QVector<Command> &commands,
     throw Failure(ExitStatus::Usage,
                   QStringLiteral("cannot generate '%1', only man, bash and zsh").arg(kind));
 }
+
+} // namespace tool

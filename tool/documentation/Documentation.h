@@ -9,6 +9,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+namespace tool {
+
 class Catalogue;
 
 /// What all forms of the documentation say about the program as a whole.
@@ -43,5 +45,7 @@ QStringList candidates(Completion completion, const Catalogue &catalogue);
 /// "man", "bash" or "zsh": what the build generates. Throws a Failure for another kind.
 QString documentation(const QString &kind, const QVector<Command> &commands,
                       const Catalogue &catalogue);
+
+} // namespace tool
 
 #endif

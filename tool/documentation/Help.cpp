@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace tool {
+
 namespace {
 
 const int lineWidth = 80;
@@ -74,3 +76,5 @@ QString commandHelp(const Command &command)
         text += paragraph(description, 0) + QLatin1Char('\n');
     return text + QStringLiteral("Options:\n") + options(command.options + commonOptions());
 }
+
+} // namespace tool

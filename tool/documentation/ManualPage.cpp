@@ -5,6 +5,8 @@
 
 #include <QtCore/QCoreApplication>
 
+namespace tool {
+
 namespace {
 
 /// The text as roff takes it for text, whatever it begins with.
@@ -83,3 +85,5 @@ QString manualPage(const QVector<Command> &commands)
     text += section(QStringLiteral("EXAMPLES")) + definitions(ProgramText::examples());
     return text;
 }
+
+} // namespace tool

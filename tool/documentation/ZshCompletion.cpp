@@ -3,6 +3,8 @@
 #include "../CommandLine.h"
 #include "Documentation.h"
 
+namespace tool {
+
 namespace {
 
 /// A text in the single quotes of a specification, in which a colon ends a field.
@@ -102,3 +104,5 @@ case $words[1] in
 )")
         .arg(descriptions, callOfArguments(specifications), branches);
 }
+
+} // namespace tool
