@@ -50,19 +50,24 @@ QVariant invoke(QObject *object, const QMetaMethod &method, const ValueType &res
     throw Failure(ExitStatus::NotConnected, QStringLiteral("not connected: %1").arg(reason));
 }
 
+/// The secrets in a value of that name; all that is in a secret map or list is secret.
+QStringList secretsIn(const QString &name, const QVariant &value)
+{
+    QStringList secrets;
+    if (isSecret(name))
+        secrets.append(value.toString());
+    for (const QVariant &element : value.toList())
+        secrets += secretsIn(name, element);
+    const QVariantMap map = value.toMap();
+    for (auto entry = map.begin(); entry != map.end(); ++entry)
+        secrets += secretsIn(isSecret(name) ? name : entry.key(), entry.value());
+    return secrets;
+}
+
 /// The secrets among what the service was given.
 QStringList givenSecrets(const Operation &operation, const QVariantList &arguments)
 {
-    QStringList secrets;
-    for (const QVariant &argument : arguments) {
-        if (isSecret(operation.name))
-            secrets.append(argument.toString());
-        const QVariantMap map = argument.toMap();
-        for (auto entry = map.begin(); entry != map.end(); ++entry) {
-            if (isSecret(entry.key()))
-                secrets.append(entry.value().toString());
-        }
-    }
+    QStringList secrets = secretsIn(operation.name, arguments);
     secrets.removeAll(QString());
     return secrets;
 }

@@ -192,6 +192,10 @@ private Q_SLOTS:
         row("standard input", "set Passphrase << end\n%1\nend", "secret words");
         row("call", "call setPassphrase '%1'", "secret words");
         row("map", R"(call processSequence '{"Passphrase": "%1"}')", "secret words");
+        row("map in a list in a map",
+            R"(call processSequence '{"Networks": [{"Passphrase": "%1"}]}')", "secret words");
+        row("secret map", R"(call processSequence '{"Passwords": {"Ssid": ["%1"]}}')",
+            "secret words");
         row("one that is part of another",
             R"(call processSequence '{"FtpPassword": "secret", "Passphrase": "%1"}')",
             "secret words");
