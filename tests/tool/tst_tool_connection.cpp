@@ -293,7 +293,7 @@ private Q_SLOTS:
     void refusesArgumentsThatAreNotText()
     {
         m_service.start();
-        for (const char *argument : {"a\\351b", "\\303", "\\355\\240\\200"}) {
+        for (const char *argument : {R"(a\351b)", R"(\303)", R"(\355\240\200)"}) {
             const Outcome outcome =
                 run(QStringLiteral("set FreeText \"$(printf '%1')\"").arg(QLatin1String(argument)));
             QCOMPARE(outcome.status, 2);

@@ -192,7 +192,7 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QByteArray());
         const QVector<RecordedCall> calls = m_service.takeCalls();
         QCOMPARE(calls.size(), 1);
-        QVariantMap sent = qdbus_cast<QVariantMap>(calls[0].arguments[0]);
+        auto sent = qdbus_cast<QVariantMap>(calls[0].arguments[0]);
         QCOMPARE(qdbus_cast<QVariantList>(sent.take(QStringLiteral("list"))),
                  (QVariantList{2, QStringLiteral("y")}));
         QCOMPARE(qdbus_cast<QVariantMap>(sent.take(QStringLiteral("map"))),
