@@ -210,7 +210,8 @@ private Q_SLOTS:
         m_service.setAnswer(QStringLiteral("getRegion"), delayed());
         Terminal terminal(
             QStringLiteral("sh"),
-            {QStringLiteral("-c"), QStringLiteral("trap '' INT; exec " EMBOSSERCTL " dump")});
+            {QStringLiteral("-c"),
+             QStringLiteral("trap '' INT; exec " COMMAND_DIRECTORY "/embosserctl dump")});
         QTRY_VERIFY(isCalled(QStringLiteral("getRegion")));
         terminal.type(controlC);
         const QByteArray shown = terminal.shownAtEnd();
@@ -275,7 +276,7 @@ private:
     static Answer delayed()
     {
         Answer answer = Answer::value(QStringLiteral("x"));
-        answer.delayInMilliseconds = 1000;
+        answer.delayInMilliseconds = 3000;
         return answer;
     }
 
