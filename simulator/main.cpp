@@ -124,8 +124,6 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
     try {
         return run(optionsFrom(application));
-    } catch (const Refusal &refusal) {
-        return fail(refusal.message);
     } catch (const std::runtime_error &error) {
         return fail(QString::fromUtf8(error.what()));
     }

@@ -49,19 +49,15 @@ QString problemInMap(const QAssociativeIterable &map, int depth)
 /// Of a part of a message that was received. One that somebody writes cannot be looked into.
 QString problemInPart(const QDBusArgument &part, int depth)
 {
+    const bool isArray = part.currentType() == QDBusArgument::ArrayType;
     QString problem;
     switch (part.currentType()) {
     case QDBusArgument::ArrayType:
-        part.beginArray();
-        while (!part.atEnd() && problem.isEmpty())
-            problem = problemOf(part.asVariant(), depth + 1);
-        part.endArray();
-        break;
     case QDBusArgument::StructureType:
-        part.beginStructure();
+        isArray ? part.beginArray() : part.beginStructure();
         while (!part.atEnd() && problem.isEmpty())
             problem = problemOf(part.asVariant(), depth + 1);
-        part.endStructure();
+        isArray ? part.endArray() : part.endStructure();
         break;
     case QDBusArgument::MapType:
         part.beginMap();

@@ -80,8 +80,7 @@ private Q_SLOTS:
         m_service.setAnswer(QStringLiteral("getModel"), Answer::value(QStringLiteral("model")));
         ConfigurationManager other(nullptr);
         LogCapture log;
-        std::future<int> stuck = std::async(std::launch::async, [&] { return other.getTabSize(); });
-        QVERIFY(QTest::qWaitFor([this] { return !m_service.takeCalls().isEmpty(); }));
+        std::future<int> stuck = startCall(other);
         QCOMPARE(m_manager.getModel(), QStringLiteral("model"));
         QVERIFY(isWaiting(stuck));
         m_service.kill();
@@ -92,9 +91,7 @@ private Q_SLOTS:
     {
         m_service.setAnswer(Answer::silence());
         LogCapture log;
-        std::future<int> stuck =
-            std::async(std::launch::async, [this] { return m_manager.getTabSize(); });
-        QVERIFY(QTest::qWaitFor([this] { return !m_service.takeCalls().isEmpty(); }));
+        std::future<int> stuck = startCall(m_manager);
 
         m_manager.setCatalogsCollectionId(QStringLiteral("other"));
         m_manager.setCheckConnection(false);
@@ -111,9 +108,7 @@ private Q_SLOTS:
     {
         m_service.setAnswer(Answer::silence());
         LogCapture log;
-        std::future<int> stuck =
-            std::async(std::launch::async, [this] { return m_manager.getTabSize(); });
-        QVERIFY(QTest::qWaitFor([this] { return !m_service.takeCalls().isEmpty(); }));
+        std::future<int> stuck = startCall(m_manager);
         m_service.leaveTheBus();
         QTRY_VERIFY(!m_manager.isConnected());
 
@@ -148,6 +143,16 @@ private Q_SLOTS:
     }
 
 private:
+    /// Calls in another thread; returns when the call has arrived.
+    std::future<int> startCall(const ConfigurationManager &manager)
+    {
+        std::future<int> call =
+            std::async(std::launch::async, [&manager] { return manager.getTabSize(); });
+        if (!QTest::qWaitFor([this] { return !m_service.takeCalls().isEmpty(); }))
+            qFatal("the call has not arrived");
+        return call;
+    }
+
     static bool isWaiting(const std::future<int> &call)
     {
         return call.wait_for(std::chrono::seconds(0)) == std::future_status::timeout;

@@ -253,8 +253,7 @@ private Q_SLOTS:
         QFETCH(QString, input);
         QFETCH(QString, passphrase);
         m_service.start();
-        const Outcome outcome =
-            m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
+        const Outcome outcome = setPassphraseFrom(input);
         QCOMPARE(outcome.status, 0);
         const QVector<RecordedCall> calls = m_service.takeCalls();
         QCOMPARE(calls.size(), 1);
@@ -283,8 +282,7 @@ private Q_SLOTS:
         QFETCH(QString, input);
         QFETCH(QByteArray, message);
         m_service.start();
-        const Outcome outcome =
-            m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
+        const Outcome outcome = setPassphraseFrom(input);
         QCOMPARE(outcome.status, 2);
         QCOMPARE(outcome.errors, "embosserctl: " + message + '\n');
         QVERIFY(m_service.takeCalls().isEmpty());
@@ -361,6 +359,12 @@ private:
     Outcome run(const QString &arguments)
     {
         return m_shell.run(QStringLiteral("embosserctl ") + arguments);
+    }
+
+    /// With the input, as printf writes it, on standard input.
+    Outcome setPassphraseFrom(const QString &input)
+    {
+        return m_shell.run(QStringLiteral("printf '%1' | embosserctl set Passphrase").arg(input));
     }
 
     Outcome runWithoutBus(const QString &arguments)
