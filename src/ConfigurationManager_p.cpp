@@ -16,6 +16,7 @@
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCall>
 #include <QtDBus/QDBusReply>
 
 #include <type_traits>
@@ -107,8 +108,12 @@ QDBusMessage ConfigurationManagerPrivate::send(const Operation &operation,
     const QString problem = marshallingProblem(arguments);
     if (!problem.isEmpty())
         return QDBusMessage::createError(QDBusError::InvalidArgs, problem);
-    return interface->callWithArgumentList(QDBus::AutoDetect, QLatin1String(operation.remoteMethod),
-                                           arguments);
+    // Not call(): Qt's blocking calls share the reply, and the error of the connection, with Qt's own
+    // D-Bus thread without a lock, so that ordinary errors corrupt the heap.
+    QDBusPendingCall call = interface->asyncCallWithArgumentList(
+        QLatin1String(operation.remoteMethod), arguments);
+    call.waitForFinished();
+    return call.reply();
 }
 
 /// The call convention of all operations.

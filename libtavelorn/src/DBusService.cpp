@@ -5,8 +5,8 @@
 #include "DBusService_p.h"
 
 #include <QtDBus/QDBusAbstractInterface>
-#include <QtDBus/QDBusConnectionInterface>
-#include <QtDBus/QDBusReply>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingReply>
 
 namespace libtavelorn {
 
@@ -53,8 +53,15 @@ DBusServicePrivate::DBusServicePrivate(const QDBusConnection &bus, const QString
 // outdated.
 void DBusServicePrivate::askForOwner()
 {
-    const QDBusConnectionInterface *bus = connection.interface();
-    setOwner(bus ? bus->serviceOwner(serviceName).value() : QString());
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    question << serviceName;
+    // Not call(), nor QDBusConnectionInterface: Qt's blocking calls keep the error of the connection
+    // without a lock, so that ordinary errors of two threads corrupt the heap.
+    QDBusPendingReply<QString> answer = connection.asyncCall(question);
+    answer.waitForFinished();
+    setOwner(answer.isError() ? QString() : answer.value());
 }
 
 void DBusServicePrivate::busLost()
