@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Secret.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "library/Lookup.h"
+#include "library/Secret.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonObject>
 
@@ -30,7 +30,7 @@ QVariantList argumentsFor(const Operation &operation, const QStringList &texts)
     return arguments;
 }
 
-void print(Output &output, const Operation &operation, const QJsonValue &result)
+void printResult(Output &output, const Operation &operation, const QJsonValue &result)
 {
     if (output.isJson()) {
         output.json(QJsonObject{{QStringLiteral("operation"), operation.signature()},
@@ -47,7 +47,7 @@ bool tellsSecret(const Operation &operation, const QStringList &texts)
            (isSecret(operation.name) || std::any_of(texts.begin(), texts.end(), isSecret));
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runCall(const Request &request)
 {
     const QStringList texts = request.arguments.mid(1);
     const Operation &operation =
@@ -62,10 +62,10 @@ ExitStatus run(const Request &request)
     }
     if (tellsSecret(operation, texts)) {
         request.output.note(QStringLiteral("secrets are shown only by the command get"));
-        print(request.output, operation, QJsonValue());
+        printResult(request.output, operation, QJsonValue());
         return ExitStatus::Done;
     }
-    print(request.output, operation, withoutSecrets(toJson(reply.value, operation.result)));
+    printResult(request.output, operation, withoutSecrets(toJson(reply.value, operation.result)));
     const bool isOutcome = operation.result.name == QLatin1String("bool") && !operation.isQuery();
     if (isOutcome && !reply.value.toBool()) {
         throw Failure(ExitStatus::Failed,
@@ -93,7 +93,7 @@ Command callCommand()
         QStringLiteral("If an operation returns false, the service has refused it, and the exit "
                        "status is 1. This does not apply to queries (get, is, has)."),
     };
-    command.run = run;
+    command.run = runCall;
     return command;
 }
 

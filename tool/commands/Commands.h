@@ -3,7 +3,7 @@
 #ifndef TOOL_COMMANDS_COMMANDS_H
 #define TOOL_COMMANDS_COMMANDS_H
 
-#include "../Command.h"
+#include "commandline/Command.h"
 
 #include <QtCore/QVector>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Description.h"
-#include "../Lookup.h"
-#include "../Output.h"
+#include "library/Description.h"
+#include "library/Lookup.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
 
@@ -39,7 +39,7 @@ QString keysText(const Enumeration &enumeration)
     return keys.join(QLatin1Char(' '));
 }
 
-void print(Output &output, const Operation &operation)
+void printOperation(Output &output, const Operation &operation)
 {
     output.heading(operation.name + operation.parameterList());
     QVector<QStringList> rows{{QStringLiteral("Meaning"), operation.meaning},
@@ -62,7 +62,7 @@ void print(Output &output, const Operation &operation)
     output.table(rows);
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runDescribe(const Request &request)
 {
     const auto operations = operationsMeant(request.catalogue, request.arguments[0]);
     QJsonArray descriptions;
@@ -70,7 +70,7 @@ ExitStatus run(const Request &request)
         if (request.output.isJson())
             descriptions.append(describe(*operation));
         else
-            print(request.output, *operation);
+            printOperation(request.output, *operation);
     }
     if (request.output.isJson())
         request.output.json(descriptions);
@@ -95,7 +95,7 @@ Command describeCommand()
             "such as 'getWidth(QString)', to select one of several operations; or the name of a "
             "setting, for the operations that read and write it. The service is not needed."),
     };
-    command.run = run;
+    command.run = runDescribe;
     return command;
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Configuration.h"
-#include "../Output.h"
-#include "../Value.h"
+#include "common/JsonText.h"
+#include "configuration/Configuration.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonObject>
 
@@ -20,9 +21,10 @@ const QString collectionPrefix = QStringLiteral("collection:");
 Configuration configurationOf(const QString &source, const Request &request)
 {
     if (source == live)
-        return readConfiguration(request, request.collection);
+        return readConfiguration(request.catalogue, request.output, request.collection);
     if (source.startsWith(collectionPrefix))
-        return readConfiguration(request, source.mid(collectionPrefix.size()));
+        return readConfiguration(request.catalogue, request.output,
+                                 source.mid(collectionPrefix.size()));
     return configurationFromFile(source, request.catalogue);
 }
 
@@ -42,7 +44,7 @@ QString textOf(const QJsonValue &value)
                                : toText(value);
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runDiff(const Request &request)
 {
     const QStringList sources{request.arguments[0], request.arguments.value(1, live)};
     if (std::all_of(sources.begin(), sources.end(), isStandardInput)) {
@@ -96,7 +98,7 @@ Command diffCommand()
         QStringLiteral("Secret settings are not compared. The exit status does not depend on "
                        "whether there are differences."),
     };
-    command.run = run;
+    command.run = runDiff;
     return command;
 }
 

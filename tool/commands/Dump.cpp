@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Configuration.h"
-#include "../Output.h"
+#include "configuration/Configuration.h"
+#include "terminal/Output.h"
 
 namespace tool {
 
 namespace {
 
-ExitStatus run(const Request &request)
+ExitStatus runDump(const Request &request)
 {
-    const Configuration configuration = readConfiguration(request, request.collection);
+    const Configuration configuration =
+        readConfiguration(request.catalogue, request.output, request.collection);
     request.output.json(configurationToJson(configuration, request.catalogue));
     return configuration.status;
 }
@@ -31,7 +32,7 @@ Command dumpCommand()
         QStringLiteral("Settings that identify the device (SerialNo, MacAddress) are included: see "
                        "the option --except of restore."),
     };
-    command.run = run;
+    command.run = runDump;
     return command;
 }
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "common/JsonText.h"
+#include "library/Lookup.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonObject>
 
@@ -13,7 +14,7 @@ namespace tool {
 
 namespace {
 
-ExitStatus run(const Request &request)
+ExitStatus runGet(const Request &request)
 {
     QVector<const Setting *> settings;
     for (const QString &name : request.arguments)
@@ -62,7 +63,7 @@ Command getCommand()
             "PrintSpeed stands for getPrintSpeed(). The value of a single setting is shown by "
             "itself, those of several settings next to their names."),
     };
-    command.run = run;
+    command.run = runGet;
     return command;
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Catalogue.h"
-#include "../Description.h"
-#include "../Output.h"
+#include "library/Catalogue.h"
+#include "library/Description.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QRegularExpression>
@@ -51,7 +51,7 @@ void printGrouped(Output &output, const QVector<const Operation *> &operations)
     }
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runList(const Request &request)
 {
     const QString pattern = request.arguments.value(0);
     QVector<const Operation *> found;
@@ -90,7 +90,7 @@ Command listCommand()
             "the meaning and the group or, if it contains the wildcards * or ?, against the whole "
             "name. Case is ignored. The service is not needed."),
     };
-    command.run = run;
+    command.run = runList;
     return command;
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Output.h"
-#include "../Session.h"
+#include "library/Session.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
@@ -55,7 +55,7 @@ private:
     QSocketNotifier m_notifier;
 };
 
-void print(Output &output, bool isConnected)
+void printState(Output &output, bool isConnected)
 {
     const QDateTime now = QDateTime::currentDateTime();
     // Without this, the text would not tell the offset.
@@ -71,7 +71,7 @@ void print(Output &output, bool isConnected)
         QCoreApplication::quit();
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runMonitor(const Request &request)
 {
     const QuitOnSignal quitOnSignal;
     Session session(request.collection);
@@ -84,10 +84,10 @@ ExitStatus run(const Request &request)
 
     ConfigurationManager &library = session.library();
     QObject::connect(&library, &ConfigurationManager::connected,
-                     [&] { print(request.output, true); });
+                     [&] { printState(request.output, true); });
     QObject::connect(&library, &ConfigurationManager::disconnected,
-                     [&] { print(request.output, false); });
-    print(request.output, library.isConnected());
+                     [&] { printState(request.output, false); });
+    printState(request.output, library.isConnected());
     // Nobody would see anything any more; the status tells why.
     if (request.output.isWritten())
         QCoreApplication::exec();
@@ -107,7 +107,7 @@ Command monitorCommand()
                        "whenever it changes, until Ctrl-C. Exits with status 3 when the system bus "
                        "itself is lost. With --json, each line is an object."),
     };
-    command.run = run;
+    command.run = runMonitor;
     return command;
 }
 

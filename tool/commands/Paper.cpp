@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "common/JsonText.h"
+#include "library/Lookup.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonObject>
 
@@ -30,7 +31,7 @@ QString currentPaper(Session &session, const Catalogue &catalogue)
     return reply.value.toString();
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runPaper(const Request &request)
 {
     Session session(request.collection);
     session.requireConnection();
@@ -75,7 +76,7 @@ Command paperCommand()
             "orientations and suitable embossers. The default for NAME is the current paper (the "
             "setting PaperSize). 'embosserctl values Papers' lists the papers."),
     };
-    command.run = run;
+    command.run = runPaper;
     return command;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Secret.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "library/Lookup.h"
+#include "library/Secret.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
@@ -47,7 +47,7 @@ QJsonValue reportOf(Session &session, const Catalogue &catalogue, const QString 
     return withKeys(withoutSecrets(toJson(reply.value, operation.result)), catalogue);
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runReport(const Request &request)
 {
     Session session(request.collection);
     session.requireConnection();
@@ -84,7 +84,7 @@ Command reportCommand()
                        "current configuration. The values of an enumeration are shown by key where "
                        "a setting has the same name. Secrets are not shown."),
     };
-    command.run = run;
+    command.run = runReport;
     return command;
 }
 

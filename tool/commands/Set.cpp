@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Secret.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "library/Lookup.h"
+#include "library/Secret.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
+#include "terminal/SecretPrompt.h"
 
 #include <QtCore/QJsonObject>
 
@@ -16,7 +17,7 @@ namespace {
 
 const QString flagOption = QStringLiteral("flag");
 
-ExitStatus run(const Request &request)
+ExitStatus runSet(const Request &request)
 {
     const Setting &setting = writableSetting(request.catalogue, request.arguments[0]);
     const bool flag = request.hasOption(flagOption);
@@ -68,7 +69,7 @@ Command setCommand()
                        "read from standard input, which must be a single line that is not empty. "
                        "'embosserctl set Passphrase \"\"' clears it."),
     };
-    command.run = run;
+    command.run = runSet;
     return command;
 }
 

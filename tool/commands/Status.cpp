@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "common/JsonText.h"
+#include "library/Lookup.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
@@ -104,7 +105,7 @@ ExitStatus runConnected(const Request &request)
     return questions.status();
 }
 
-ExitStatus run(const Request &request)
+ExitStatus runStatus(const Request &request)
 {
     try {
         return runConnected(request);
@@ -131,7 +132,7 @@ Command statusCommand()
                        "model, serial number, firmware and capabilities: the queries that return "
                        "true, such as hasFeeder."),
     };
-    command.run = run;
+    command.run = runStatus;
     return command;
 }
 

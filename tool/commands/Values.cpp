@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "commands/Commands.h"
 
-#include "../Lookup.h"
-#include "../Output.h"
-#include "../Secret.h"
-#include "../Session.h"
-#include "../Value.h"
+#include "library/Lookup.h"
+#include "library/Secret.h"
+#include "library/Session.h"
+#include "library/Value.h"
+#include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
 
@@ -16,7 +16,7 @@ namespace {
 
 const QString valueListOperation = QStringLiteral("getValueList");
 
-ExitStatus run(const Request &request)
+ExitStatus runValues(const Request &request)
 {
     const ValueType rowType{QStringLiteral("int"), Enumeration(QStringLiteral("RowValueList"))};
     const QVariant row = argumentFromText(request.arguments[0], rowType);
@@ -52,7 +52,7 @@ Command valuesCommand()
         QStringLiteral("Shows the values that the service offers for a setting, as a table. ROW is "
                        "a key of RowValueList, such as Papers or BaudRate, or a number."),
     };
-    command.run = run;
+    command.run = runValues;
     return command;
 }
 

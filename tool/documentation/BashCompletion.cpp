@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#include "../CommandLine.h"
-#include "Documentation.h"
+#include "commandline/CommandLine.h"
+#include "documentation/Documentation.h"
 
 namespace tool {
 
@@ -32,7 +32,7 @@ bool takesFiles(Completion completion)
 }
 
 /// The branch of a command: what its options are, and its arguments where they can be told.
-QString branch(const Command &command, const Catalogue &catalogue)
+QString bashBranch(const Command &command, const Catalogue &catalogue)
 {
     QString text = QStringLiteral("    %1)\n").arg(command.name);
     if (!command.options.isEmpty())
@@ -55,7 +55,7 @@ QString bashCompletion(const QVector<Command> &commands, const Catalogue &catalo
     QString branches;
     for (const Command &command : commands) {
         names.append(command.name);
-        branches += branch(command, catalogue);
+        branches += bashBranch(command, catalogue);
     }
     return QStringLiteral(R"(# bash completion for embosserctl
 

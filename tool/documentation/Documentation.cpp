@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
-#include "Documentation.h"
+#include "documentation/Documentation.h"
 
-#include "../Catalogue.h"
-#include "../Enumeration.h"
-#include "../Failure.h"
+#include "common/Failure.h"
+#include "library/Catalogue.h"
+#include "library/Enumeration.h"
 
 namespace tool {
 
@@ -73,23 +73,6 @@ QVector<QStringList> ProgramText::examples()
          QStringLiteral("shows what has changed since then")},
         {QStringLiteral("embosserctl restore before.json"), QStringLiteral("restores it")},
     };
-}
-
-QString synopsis(const Command &command)
-{
-    QString text = QStringLiteral("embosserctl ") + command.name;
-    if (!command.arguments.isEmpty())
-        text += QLatin1Char(' ') + command.arguments;
-    for (const Option &option : command.options)
-        text += QStringLiteral(" [%1]%2").arg(
-            typed(option), option.isRepeatable ? QStringLiteral("...") : QString());
-    return text;
-}
-
-QString typed(const Option &option)
-{
-    const QString name = QStringLiteral("--") + option.name;
-    return option.valueName.isEmpty() ? name : QStringLiteral("%1 %2").arg(name, option.valueName);
 }
 
 QStringList candidates(Completion completion, const Catalogue &catalogue)

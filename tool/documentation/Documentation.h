@@ -3,7 +3,7 @@
 #ifndef TOOL_DOCUMENTATION_DOCUMENTATION_H
 #define TOOL_DOCUMENTATION_DOCUMENTATION_H
 
-#include "../Command.h"
+#include "commandline/Command.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -26,12 +26,6 @@ struct ProgramText
     /// Rows of a command line and what it does.
     static QVector<QStringList> examples();
 };
-
-/// "embosserctl set NAME [VALUE] [--flag]"
-QString synopsis(const Command &command);
-
-/// An option as it is typed: "--collection ID".
-QString typed(const Option &option);
 
 QString programHelp(const QVector<Command> &commands);
 QString commandHelp(const Command &command);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#include "../CommandLine.h"
-#include "Documentation.h"
+#include "commandline/CommandLine.h"
+#include "documentation/Documentation.h"
 
 #include <algorithm>
 
@@ -28,7 +28,7 @@ QString paragraph(const QString &text, int indent)
 }
 
 /// Rows of a term and its explanation, the explanations in a column of their own.
-QString definitions(const QVector<QStringList> &rows)
+QString columns(const QVector<QStringList> &rows)
 {
     const int indent = 2;
     int width = 0;
@@ -43,12 +43,12 @@ QString definitions(const QVector<QStringList> &rows)
     return result;
 }
 
-QString options(const QVector<Option> &options)
+QString optionColumns(const QVector<Option> &options)
 {
     QVector<QStringList> rows;
     for (const Option &option : options)
         rows.append({typed(option), option.description});
-    return definitions(rows);
+    return columns(rows);
 }
 
 } // namespace
@@ -65,8 +65,8 @@ QString programHelp(const QVector<Command> &commands)
                           "Options:\n%3\n"
                           "Exit status:\n%4\n"
                           "For details see 'embosserctl COMMAND --help' and 'man embosserctl'.\n")
-        .arg(ProgramText::summary(), definitions(rows), options(commonOptions()),
-             definitions(ProgramText::exitStatus()));
+        .arg(ProgramText::summary(), columns(rows), optionColumns(commonOptions()),
+             columns(ProgramText::exitStatus()));
 }
 
 QString commandHelp(const Command &command)
@@ -74,7 +74,7 @@ QString commandHelp(const Command &command)
     QString text = QStringLiteral("Usage: %1 [OPTION...]\n\n").arg(synopsis(command));
     for (const QString &description : command.description)
         text += paragraph(description, 0) + QLatin1Char('\n');
-    return text + QStringLiteral("Options:\n") + options(command.options + commonOptions());
+    return text + QStringLiteral("Options:\n") + optionColumns(command.options + commonOptions());
 }
 
 } // namespace tool

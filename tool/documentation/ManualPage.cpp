@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#include "../CommandLine.h"
-#include "Documentation.h"
+#include "commandline/CommandLine.h"
+#include "documentation/Documentation.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -33,7 +33,7 @@ QString definition(const QString &term, const QString &explanation)
     return QStringLiteral(".TP\n%1\n%2\n").arg(bold(term), roff(explanation));
 }
 
-QString definitions(const QVector<QStringList> &rows)
+QString definitionList(const QVector<QStringList> &rows)
 {
     QString text;
     for (const QStringList &row : rows)
@@ -41,7 +41,7 @@ QString definitions(const QVector<QStringList> &rows)
     return text;
 }
 
-QString options(const QVector<Option> &options)
+QString optionList(const QVector<Option> &options)
 {
     QString text;
     for (const Option &option : options)
@@ -61,7 +61,7 @@ QString command(const Command &command)
 {
     QString text = QStringLiteral(".SS %1\n%2\n").arg(command.name, bold(synopsis(command)));
     text += paragraphs(command.description);
-    return text + options(command.options);
+    return text + optionList(command.options);
 }
 
 } // namespace
@@ -79,10 +79,10 @@ QString manualPage(const QVector<Command> &commands)
     text += section(QStringLiteral("COMMANDS"));
     for (const Command &described : commands)
         text += command(described);
-    text += section(QStringLiteral("OPTIONS")) + options(commonOptions());
-    text += section(QStringLiteral("EXIT STATUS")) + definitions(ProgramText::exitStatus());
-    text += section(QStringLiteral("ENVIRONMENT")) + definitions(ProgramText::environment());
-    text += section(QStringLiteral("EXAMPLES")) + definitions(ProgramText::examples());
+    text += section(QStringLiteral("OPTIONS")) + optionList(commonOptions());
+    text += section(QStringLiteral("EXIT STATUS")) + definitionList(ProgramText::exitStatus());
+    text += section(QStringLiteral("ENVIRONMENT")) + definitionList(ProgramText::environment());
+    text += section(QStringLiteral("EXAMPLES")) + definitionList(ProgramText::examples());
     return text;
 }
 

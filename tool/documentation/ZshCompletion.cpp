@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#include "../CommandLine.h"
-#include "Documentation.h"
+#include "commandline/CommandLine.h"
+#include "documentation/Documentation.h"
 
 namespace tool {
 
@@ -56,7 +56,7 @@ QString callOfArguments(const QStringList &specifications)
         .arg(specifications.join(QStringLiteral(" \\\n")));
 }
 
-QString branch(const Command &command, const Catalogue &catalogue)
+QString zshBranch(const Command &command, const Catalogue &catalogue)
 {
     QStringList specifications = optionSpecifications(command.options + commonOptions());
     if (!command.arguments.isEmpty()) {
@@ -76,7 +76,7 @@ QString zshCompletion(const QVector<Command> &commands, const Catalogue &catalog
     QString branches;
     for (const Command &command : commands) {
         descriptions += QStringLiteral("  '%1:%2'\n").arg(command.name, quoted(command.summary));
-        branches += branch(command, catalogue);
+        branches += zshBranch(command, catalogue);
     }
     const QStringList specifications = optionSpecifications(commonOptions()) +
                                        QStringList{QStringLiteral("    '1:command:->command'"),

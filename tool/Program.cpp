@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+
+#include "Program.h"
+
+#include "commandline/CommandLine.h"
+#include "commands/Commands.h"
+#include "common/Utf8.h"
+#include "documentation/Documentation.h"
+#include "library/Catalogue.h"
+#include "terminal/Output.h"
+
+#include <QtCore/QCoreApplication>
+
+namespace tool {
+
+namespace {
+
+/// The arguments are not repeated: one of them may be a secret.
+QStringList texts(const QVector<QByteArray> &arguments)
+{
+    QStringList texts;
+    for (const QByteArray &argument : arguments) {
+        const std::optional<QString> text = textFromUtf8(argument);
+        if (!text) {
+            throw Failure(ExitStatus::Usage,
+                          QStringLiteral("argument %1 is not valid UTF-8").arg(texts.size()));
+        }
+        texts.append(*text);
+    }
+    return texts;
+}
+
+ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output &output)
+{
+    const Catalogue catalogue;
+    if (!line.generate.isEmpty()) {
+        output.text(documentation(line.generate, commands, catalogue));
+        return ExitStatus::Done;
+    }
+    if (line.version) {
+        output.text(QStringLiteral("embosserctl %1\n").arg(QCoreApplication::applicationVersion()));
+        return ExitStatus::Done;
+    }
+    if (line.help) {
+        output.text(line.command ? commandHelp(*line.command) : programHelp(commands));
+        return ExitStatus::Done;
+    }
+    return line.command->run({line.arguments, line.options, line.collection, output, catalogue});
+}
+
+/// What a full disk has swallowed must not pass for done.
+ExitStatus flushed(ExitStatus status, const Output &output)
+{
+    if (output.isWritten())
+        return status;
+    output.error(QStringLiteral("the output could not be written"));
+    return ExitStatus::Failed;
+}
+
+} // namespace
+
+int runProgram(const QVector<QByteArray> &arguments)
+{
+    const QVector<Command> commands = allCommands();
+    Output output({});
+    CommandLine line;
+    try {
+        line = parseCommandLine(texts(arguments), commands);
+    } catch (const Failure &failure) {
+        output.error(failure.message());
+        output.note(QStringLiteral("see 'embosserctl --help'"));
+        return int(failure.status());
+    }
+    output = Output(line.output);
+    try {
+        return int(flushed(run(line, commands, output), output));
+    } catch (const Failure &failure) {
+        output.error(failure.message());
+        return int(failure.status());
+    }
+}
+
+} // namespace tool

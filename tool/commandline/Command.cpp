@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+
+#include "commandline/Command.h"
+
+namespace tool {
+
+QString synopsis(const Command &command)
+{
+    QString text = QStringLiteral("embosserctl ") + command.name;
+    if (!command.arguments.isEmpty())
+        text += QLatin1Char(' ') + command.arguments;
+    for (const Option &option : command.options)
+        text += QStringLiteral(" [%1]%2").arg(
+            typed(option), option.isRepeatable ? QStringLiteral("...") : QString());
+    return text;
+}
+
+QString typed(const Option &option)
+{
+    const QString name = QStringLiteral("--") + option.name;
+    return option.valueName.isEmpty() ? name : QStringLiteral("%1 %2").arg(name, option.valueName);
+}
+
+} // namespace tool

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_COMMANDLINE_COMMAND_H
+#define TOOL_COMMANDLINE_COMMAND_H
+
+#include "common/Failure.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#include <limits>
+#include <optional>
+
+namespace tool {
+
+class Catalogue;
+class Output;
+
+/// What the shell may complete an argument with.
+enum class Completion {
+    None,
+    Operation,
+    OperationOrSetting,
+    ReadableSetting,
+    WritableSetting,
+    ValueList,
+    File,
+    FileOrLive,
+};
+
+/// An option, of one command or of all.
+struct Option
+{
+    QString name;
+    /// What the value is called; empty for a switch.
+    QString valueName;
+    QString description;
+    bool isRepeatable = false;
+};
+
+/// What a command is given.
+struct Request
+{
+    QStringList arguments;
+    /// The options given, with their values.
+    QHash<QString, QStringList> options;
+    std::optional<QString> collection;
+    Output &output;
+    const Catalogue &catalogue;
+
+    bool hasOption(const QString &name) const { return options.contains(name); }
+};
+
+/// A subcommand: the one source of its parsing, help, manual page and completion.
+struct Command
+{
+    static constexpr int AnyNumber = std::numeric_limits<int>::max();
+
+    QString name;
+    /// The arguments as written in a synopsis: "NAME VALUE".
+    QString arguments;
+    int minArguments = 0;
+    int maxArguments = 0;
+    Completion completion = Completion::None;
+    /// Whether only the first argument is a name, and not all.
+    bool namesFirstOnly = false;
+    QVector<Option> options;
+    QString summary;
+    /// Paragraphs.
+    QStringList description;
+    ExitStatus (*run)(const Request &request) = nullptr;
+
+    /// How many of the arguments, from the first one, are names: completed, and never empty.
+    int maxNames() const { return namesFirstOnly ? 1 : maxArguments; }
+};
+
+/// "embosserctl set NAME [VALUE] [--flag]"
+QString synopsis(const Command &command);
+
+/// An option as it is typed: "--collection ID".
+QString typed(const Option &option);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_COMMANDLINE_COMMANDLINE_H
+#define TOOL_COMMANDLINE_COMMANDLINE_H
+
+#include "commandline/Command.h"
+#include "terminal/Output.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#include <optional>
+
+namespace tool {
+
+/// The options that every command takes.
+const QVector<Option> &commonOptions();
+
+/// These and those of each command.
+QVector<Option> allOptions(const QVector<Command> &commands);
+
+/// The command line, taken apart and checked.
+struct CommandLine
+{
+    bool help = false;
+    bool version = false;
+    /// The documentation to print instead of running a command.
+    QString generate;
+    /// Null only if one of the above is asked for.
+    const Command *command = nullptr;
+    QStringList arguments;
+    QHash<QString, QStringList> options;
+    std::optional<QString> collection;
+    OutputOptions output;
+};
+
+/// Throws a Failure that says what is wrong and what may have been meant.
+CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+
+#include "configuration/Restoration.h"
+
+#include "common/Failure.h"
+#include "common/JsonText.h"
+#include "library/Lookup.h"
+#include "library/Value.h"
+#include "terminal/DeferredSignals.h"
+#include "terminal/ProgressBar.h"
+
+#include <QtCore/QList>
+
+namespace tool {
+
+Restoration::Restoration(Session &session, bool showsProgress)
+    : m_session(session), m_showsProgress(showsProgress)
+{
+}
+
+void Restoration::apply(const Configuration &configuration, const Catalogue &catalogue)
+{
+    setTargets(configuration, catalogue);
+    QList<QStringList> written;
+    QStringList missing = notHeld();
+    while (!missing.isEmpty() && !written.contains(missing)) {
+        write(missing);
+        written.append(missing);
+        missing = notHeld();
+    }
+}
+
+void Restoration::setTargets(const Configuration &configuration, const Catalogue &catalogue)
+{
+    for (const QString &name : configuration.ignoredSecrets)
+        setNotApplied(name, QStringLiteral("secrets are not restored"));
+    const QJsonObject &values = configuration.values;
+    for (auto value = values.begin(); value != values.end(); ++value) {
+        try {
+            const Setting &setting = writableSetting(catalogue, value.key());
+            readableSetting(catalogue, value.key());
+            const QVariant argument =
+                argumentFromJson(value.value(), setting.setter->parameters[0].type);
+            m_targets.insert(value.key(), {&setting, argument, value.value(), false, {}});
+            setNotApplied(value.key(), QStringLiteral("not tried"));
+        } catch (const Failure &failure) {
+            setNotApplied(value.key(), failure.message());
+        }
+    }
+}
+
+void Restoration::setNotApplied(const QString &name, const QString &reason)
+{
+    m_outcomes.insert(name, {Outcome::NotApplied, reason});
+}
+
+Outcome Restoration::read(const Target &target)
+{
+    const Reply reply = m_session.call(*target.setting->getter);
+    const QJsonValue held = toJson(reply.value, target.setting->getter->result);
+    if (!reply.error && held == target.value)
+        return {target.isTried ? Outcome::Applied : Outcome::Unchanged, {}};
+    // It says more than what the service holds instead.
+    if (target.refusal)
+        return {Outcome::NotApplied, *target.refusal};
+    if (reply.error)
+        return {target.isTried ? Outcome::Unverified : Outcome::NotApplied, *reply.error};
+    return {Outcome::NotApplied, QStringLiteral("the service holds %1").arg(toText(held))};
+}
+
+QStringList Restoration::notHeld()
+{
+    ProgressBar progress(m_targets.size(), m_showsProgress);
+    QStringList names;
+    for (auto target = m_targets.cbegin(); target != m_targets.cend(); ++target) {
+        progress.step();
+        DeferredSignals::throwIfCome();
+        const Outcome outcome = read(*target);
+        m_outcomes.insert(target.key(), outcome);
+        if (outcome.state != Outcome::Unchanged && outcome.state != Outcome::Applied)
+            names.append(target.key());
+    }
+    return names;
+}
+
+void Restoration::write(const QStringList &names)
+{
+    ProgressBar progress(names.size(), m_showsProgress);
+    for (const QString &name : names) {
+        progress.step();
+        DeferredSignals::throwIfCome();
+        Target &target = m_targets[name];
+        const Reply reply = m_session.call(*target.setting->setter, {target.argument});
+        target.isTried = true;
+        target.refusal = reply.error;
+        m_outcomes.insert(
+            name, reply.error ? Outcome{Outcome::NotApplied, *reply.error}
+                              : Outcome{Outcome::Unverified, QStringLiteral("not read back")});
+    }
+}
+
+} // namespace tool

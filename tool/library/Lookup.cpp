@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+
+#include "library/Lookup.h"
+
+#include "common/Failure.h"
+#include "common/Suggestion.h"
+
+namespace tool {
+
+namespace {
+
+/// The operations that reach a setting of this name, but only with a key beside the value.
+QStringList keyedOperations(const Catalogue &catalogue, const QString &name,
+                            bool (Operation::*isOfKind)() const)
+{
+    QStringList names;
+    for (const Operation &operation : catalogue.operations()) {
+        if (operation.settingName() == name && (operation.*isOfKind)())
+            names.append(QStringLiteral("'embosserctl call %1'").arg(operation.name));
+    }
+    return names;
+}
+
+QString hint(const QStringList &keyedOperations, const QString &name, const QStringList &known)
+{
+    if (keyedOperations.isEmpty())
+        return didYouMean(name, known);
+    return QStringLiteral("; it takes a key: see %1")
+        .arg(keyedOperations.join(QStringLiteral(" and ")));
+}
+
+} // namespace
+
+const Setting &readableSetting(const Catalogue &catalogue, const QString &name)
+{
+    const Setting *setting = catalogue.setting(name);
+    if (setting && setting->getter)
+        return *setting;
+    throw Failure(ExitStatus::Usage,
+                  QStringLiteral("there is no readable setting '%1'%2")
+                      .arg(name, hint(keyedOperations(catalogue, name, &Operation::isGetter), name,
+                                      catalogue.readableSettings())));
+}
+
+const Setting &writableSetting(const Catalogue &catalogue, const QString &name)
+{
+    const Setting *setting = catalogue.setting(name);
+    if (setting && setting->setter)
+        return *setting;
+    throw Failure(ExitStatus::Usage,
+                  QStringLiteral("there is no writable setting '%1'%2")
+                      .arg(name, hint(keyedOperations(catalogue, name, &Operation::isSetter), name,
+                                      catalogue.writableSettings())));
+}
+
+QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name)
+{
+    const QVector<const Operation *> operations = catalogue.operationsNamed(name);
+    if (operations.isEmpty()) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("there is no operation '%1'%2")
+                          .arg(name, didYouMean(name, catalogue.operationNames())));
+    }
+    return operations;
+}
+
+const Operation &operationFor(const Catalogue &catalogue, const QString &name, int arguments)
+{
+    QStringList forms;
+    for (const Operation *operation : operationsCalled(catalogue, name)) {
+        if (operation->accepts(arguments))
+            return *operation;
+        forms.append(operation->name + operation->parameterList());
+    }
+    throw Failure(ExitStatus::Usage,
+                  QStringLiteral("wrong number of arguments (%1) for %2")
+                      .arg(QString::number(arguments), forms.join(QStringLiteral(" or "))));
+}
+
+} // namespace tool

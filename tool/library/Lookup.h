@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_LIBRARY_LOOKUP_H
+#define TOOL_LIBRARY_LOOKUP_H
+
+#include "library/Catalogue.h"
+
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
+namespace tool {
+
+// What the user's names stand for. Each function throws a Failure that says why a name stands for
+// nothing, and what may have been meant.
+
+const Setting &readableSetting(const Catalogue &catalogue, const QString &name);
+const Setting &writableSetting(const Catalogue &catalogue, const QString &name);
+
+/// The operations of a name or a signature.
+QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name);
+
+/// The one of them that takes so many arguments.
+const Operation &operationFor(const Catalogue &catalogue, const QString &name, int arguments);
+
+} // namespace tool
+
+#endif

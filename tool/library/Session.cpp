@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+
+#include "library/Session.h"
+
+#include "common/Failure.h"
+#include "library/Secret.h"
+
+#include <libconfigurationmanager/lcm.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusError>
+
+#include <algorithm>
+#include <array>
+
+namespace tool {
+
+namespace {
+
+/// What the meta-object calls the type. An enumeration has the size of an int, and needs no
+/// registration.
+int storageType(const ValueType &type)
+{
+    return type.enumeration.isValid() ? QMetaType::Int
+                                      : QMetaType::type(type.name.toLatin1().constData());
+}
+
+QVariant invoke(QObject *object, const QMetaMethod &method, const ValueType &resultType,
+                const QVariantList &arguments)
+{
+    // As many as QMetaMethod::invoke() takes.
+    std::array<QGenericArgument, 10> given;
+    for (int i = 0; i < arguments.size(); ++i)
+        given[i] = QGenericArgument(arguments[i].typeName(), arguments[i].constData());
+
+    QVariant result;
+    QGenericReturnArgument returned;
+    if (method.returnType() != QMetaType::Void) {
+        result = QVariant(storageType(resultType), nullptr);
+        returned = QGenericReturnArgument(method.typeName(), result.data());
+    }
+    method.invoke(object, Qt::DirectConnection, returned, given[0], given[1], given[2], given[3],
+                  given[4], given[5], given[6], given[7], given[8], given[9]);
+    return result;
+}
+
+[[noreturn]] void throwNotConnected(const QString &reason)
+{
+    throw Failure(ExitStatus::NotConnected, QStringLiteral("not connected: %1").arg(reason));
+}
+
+/// The secrets in a value of that name; all that is in a secret map or list is secret.
+QStringList secretsIn(const QString &name, const QVariant &value)
+{
+    QStringList secrets;
+    if (isSecret(name))
+        secrets.append(value.toString());
+    for (const QVariant &element : value.toList())
+        secrets += secretsIn(name, element);
+    const QVariantMap map = value.toMap();
+    for (auto entry = map.begin(); entry != map.end(); ++entry)
+        secrets += secretsIn(isSecret(name) ? name : entry.key(), entry.value());
+    return secrets;
+}
+
+/// The secrets among what the service was given.
+QStringList givenSecrets(const Operation &operation, const QVariantList &arguments)
+{
+    QStringList secrets = secretsIn(operation.name, arguments);
+    secrets.removeAll(QString());
+    return secrets;
+}
+
+/// The service's message, in which it may have repeated what it was given.
+QString withoutTexts(QString message, QStringList texts)
+{
+    // The longest first: the shorter ones may be parts of it.
+    std::sort(texts.begin(), texts.end(),
+              [](const QString &a, const QString &b) { return a.size() > b.size(); });
+    for (const QString &text : qAsConst(texts))
+        message.replace(text, QStringLiteral("(not shown)"));
+    return message;
+}
+
+} // namespace
+
+Session::Session(const std::optional<QString> &collection)
+{
+    // The meta-object knows the list by this name, the library registers it by another.
+    qRegisterMetaType<ConfigurationList>("ConfigurationList");
+    if (collection)
+        setCollection(*collection);
+}
+
+void Session::requireBus() const
+{
+    const QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.isConnected())
+        throwNotConnected(QStringLiteral("no system bus: %1").arg(bus.lastError().message()));
+}
+
+void Session::requireConnection() const
+{
+    requireBus();
+    if (!m_library.isConnected())
+        throwNotConnected(QStringLiteral("the configuration service is not on the system bus"));
+}
+
+Reply Session::call(const Operation &operation, const QVariantList &arguments)
+{
+    // The library learns from the event loop that the service has left.
+    QCoreApplication::processEvents();
+    Reply reply;
+    reply.value = invoke(&m_library, operation.form(arguments.size()), operation.result, arguments);
+    if (const auto failure = m_log.takeFailure()) {
+        if (failure->notConnected)
+            throwNotConnected(QStringLiteral("the configuration service has left the system bus"));
+        reply.error = withoutTexts(failure->message, givenSecrets(operation, arguments));
+    }
+    return reply;
+}
+
+} // namespace tool

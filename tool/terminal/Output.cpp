@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/Output.h"
+
+#include "common/JsonText.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTextStream>
+#include <QtCore/QtGlobal>
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+namespace tool {
+
+namespace {
+
+const QString rowStyle = QStringLiteral("1");
+const QString headingStyle = QStringLiteral("1;36");
+
+void write(FILE *file, const QString &text)
+{
+    QTextStream stream(file);
+    stream.setCodec("UTF-8");
+    stream << text;
+}
+
+void writeLine(FILE *file, const QString &line)
+{
+    write(file, line + QLatin1Char('\n'));
+}
+
+/// The text with escapes for what would move the cursor, break a row, or make the terminal do
+/// worse, and for the backslash, which would look like one of them.
+QString printable(const QString &text)
+{
+    QString result;
+    for (const QChar character : text) {
+        if (character == QLatin1Char('\n'))
+            result += QStringLiteral("\\n");
+        else if (character == QLatin1Char('\t'))
+            result += QStringLiteral("\\t");
+        else if (character == QLatin1Char('\\'))
+            result += QStringLiteral("\\\\");
+        else if (character.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += character;
+    }
+    return result;
+}
+
+QVector<QStringList> entries(const QJsonObject &object)
+{
+    QVector<QStringList> rows;
+    for (auto entry = object.begin(); entry != object.end(); ++entry)
+        rows.append({entry.key(), toText(entry.value())});
+    return rows;
+}
+
+bool isListOfObjects(const QJsonArray &array)
+{
+    return !array.isEmpty() &&
+           std::all_of(array.begin(), array.end(),
+                       [](const QJsonValue &element) { return element.isObject(); });
+}
+
+/// The keys that occur in any of the objects.
+QStringList keysOf(const QJsonArray &objects)
+{
+    QStringList keys;
+    for (const QJsonValue &object : objects)
+        keys += object.toObject().keys();
+    keys.removeDuplicates();
+    return keys;
+}
+
+QVector<QStringList> cells(const QJsonArray &objects, const QStringList &keys)
+{
+    QVector<QStringList> rows;
+    for (const QJsonValue &element : objects) {
+        const QJsonObject object = element.toObject();
+        QStringList row;
+        for (const QString &key : keys)
+            row.append(object.contains(key) ? toText(object.value(key)) : QString());
+        rows.append(row);
+    }
+    return rows;
+}
+
+QByteArray document(const QJsonValue &value, QJsonDocument::JsonFormat format)
+{
+    const QJsonDocument document =
+        value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+    return document.toJson(format).trimmed();
+}
+
+} // namespace
+
+Output::Output(const OutputOptions &options)
+    : m_options(options), m_isTerminal(isatty(STDOUT_FILENO))
+{
+    m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR") &&
+                      qgetenv("TERM") != "dumb";
+}
+
+bool Output::isWritten() const
+{
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
+}
+
+bool Output::showsProgress() const
+{
+    return isatty(STDERR_FILENO) && !m_options.quiet;
+}
+
+QString Output::styled(const QString &text, const QString &style) const
+{
+    if (!m_options.color || style.isEmpty())
+        return text;
+    return QStringLiteral("\x1b[%1m%2\x1b[0m").arg(style, text);
+}
+
+void Output::text(const QString &text) const
+{
+    write(stdout, text);
+}
+
+void Output::line(const QString &text) const
+{
+    writeLine(stdout, m_isTerminal ? printable(text) : text);
+}
+
+void Output::heading(const QString &text) const
+{
+    writeLine(stdout, styled(printable(text), headingStyle));
+}
+
+void Output::row(const QStringList &cells, const QVector<int> &widths,
+                 const QString &firstStyle) const
+{
+    QString line;
+    for (int i = 0; i < cells.size(); ++i) {
+        const bool isLast = i == cells.size() - 1;
+        const QString cell = printable(cells[i]);
+        line += styled(cell, i == 0 ? firstStyle : QString());
+        if (!isLast && m_isTerminal)
+            line += QString(widths[i] - cell.size() + 2, QLatin1Char(' '));
+        else if (!isLast)
+            line += QLatin1Char('\t');
+    }
+    writeLine(stdout, line);
+}
+
+void Output::table(const QVector<QStringList> &rows, const QStringList &header) const
+{
+    QVector<int> widths;
+    for (const QStringList &cells : QVector<QStringList>{header} + rows) {
+        widths.resize(std::max(widths.size(), cells.size()));
+        for (int i = 0; i < cells.size(); ++i)
+            widths[i] = std::max(widths[i], printable(cells[i]).size());
+    }
+    if (!header.isEmpty())
+        row(header, widths, headingStyle);
+    for (const QStringList &cells : rows)
+        row(cells, widths, rowStyle);
+}
+
+void Output::value(const QJsonValue &value) const
+{
+    if (value.isObject()) {
+        table(entries(value.toObject()));
+    } else if (isListOfObjects(value.toArray())) {
+        const QStringList keys = keysOf(value.toArray());
+        table(cells(value.toArray(), keys), keys);
+    } else {
+        line(toText(value));
+    }
+}
+
+void Output::json(const QJsonValue &value) const
+{
+    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Indented)));
+}
+
+void Output::jsonLine(const QJsonValue &value) const
+{
+    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Compact)));
+}
+
+void Output::note(const QString &text) const
+{
+    if (!m_options.quiet)
+        writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
+}
+
+void Output::error(const QString &text) const
+{
+    writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
+}
+
+} // namespace tool

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TOOL_TERMINAL_OUTPUT_H
+#define TOOL_TERMINAL_OUTPUT_H
+
+#include <QtCore/QJsonValue>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+namespace tool {
+
+/// What the user wants of the output.
+struct OutputOptions
+{
+    bool json = false;
+    bool quiet = false;
+    bool color = true;
+};
+
+/// Results on standard output, everything else on standard error.
+///
+/// On a terminal, columns are aligned and headings coloured; elsewhere columns are separated by
+/// tabs. Control characters and backslashes are shown as escapes in columns, and in anything on a
+/// terminal.
+class Output
+{
+public:
+    explicit Output(const OutputOptions &options);
+
+    bool isJson() const { return m_options.json; }
+
+    /// Whether all that was meant for standard output has got there.
+    bool isWritten() const;
+
+    /// Whether a progress bar is of use.
+    bool showsProgress() const;
+
+    /// Text that has its own lines.
+    void text(const QString &text) const;
+    void line(const QString &text) const;
+    void heading(const QString &text) const;
+    void table(const QVector<QStringList> &rows, const QStringList &header = {}) const;
+    /// An object as rows, an array of objects as a table, anything else as a line.
+    void value(const QJsonValue &value) const;
+    void json(const QJsonValue &value) const;
+    /// JSON without line breaks, for a stream of values.
+    void jsonLine(const QJsonValue &value) const;
+
+    /// Something good to know, unless the user wants quiet.
+    void note(const QString &text) const;
+    void error(const QString &text) const;
+
+private:
+    QString styled(const QString &text, const QString &style) const;
+    void row(const QStringList &cells, const QVector<int> &widths, const QString &firstStyle) const;
+
+    OutputOptions m_options;
+    bool m_isTerminal;
+};
+
+} // namespace tool
+
+#endif
