@@ -2,9 +2,12 @@
 
 #include "Simulator.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <csignal>
+#include <sys/stat.h>
 
 class TestCommandLine : public QObject
 {
@@ -134,6 +137,20 @@ private Q_SLOTS:
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(ended.exitCode, 0);
         QCOMPARE(ended.output + ended.errors, QString());
+    }
+
+    void aSignalEndsItWhileItReadsItsProfile()
+    {
+        const QTemporaryDir directory;
+        const QString pipe = directory.filePath(QStringLiteral("profile.json"));
+        QCOMPARE(::mkfifo(qPrintable(pipe), 0600), 0);
+        ChildProcess process(simulatorProgram(), {QStringLiteral("--profile"), pipe});
+        process.start();
+        // Opened by both, the pipe shows that the simulator waits for what is never written.
+        QFile writer(pipe);
+        QVERIFY(writer.open(QFile::WriteOnly));
+        ::kill(pid_t(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished());
     }
 
     // The last ones: afterwards there is no bus.

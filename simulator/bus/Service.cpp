@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+
+#include "bus/Service.h"
+
+#include "bus/Faults.h"
+#include "methods/Call.h"
+#include "model/DBusTypes.h"
+#include "model/Interface.h"
+#include "model/Profile.h"
+#include "model/Settings.h"
+#include "state/Configuration.h"
+#include "state/Refusal.h"
+#include "state/ServiceLog.h"
+#include "state/Store.h"
+#include "state/UserSettings.h"
+
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusConnectionInterface>
+
+#include <csignal>
+#include <optional>
+
+namespace simulator {
+
+namespace {
+
+const Method &checkedMethod(const Interface &interface, const QDBusMessage &message)
+{
+    const Method *method = interface.method(message.member());
+    if (!method)
+        throw Refusal{
+            QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"),
+            QStringLiteral("%1 has no method %2").arg(interface.name(), message.member())};
+    if (message.signature() != method->signature())
+        throw invalidArguments(
+            QStringLiteral("%1 takes %2, of signature \"%3\"; it was called with \"%4\"")
+                .arg(method->name, method->describeArguments(), method->signature(),
+                     message.signature()));
+    return *method;
+}
+
+/// Qt hands a map over as it came.
+QVariantList demarshalled(QVariantList arguments)
+{
+    for (QVariant &argument : arguments) {
+        if (argument.userType() == qMetaTypeId<QDBusArgument>())
+            argument = qdbus_cast<QVariantMap>(argument);
+    }
+    return arguments;
+}
+
+void send(const QDBusMessage &answer, const QDBusMessage &message,
+          const QDBusConnection &connection)
+{
+    if (message.isReplyRequired())
+        connection.send(answer);
+}
+
+QDBusMessage ofWrongType(const QDBusMessage &answer, const QDBusMessage &message)
+{
+    const QVariant result = answer.arguments().value(0);
+    return message.createReply(result.userType() == QMetaType::QString
+                                   ? QVariant(0)
+                                   : QVariant(QStringLiteral("of a wrong type")));
+}
+
+/// The name of the setting's value that a call is about.
+QString nameOf(const Setting &setting, const Call &call)
+{
+    if (!setting.keyed)
+        return setting.name;
+    return setting.name + QLatin1Char('/') + call.argument(keyArgument(call.method())).toString();
+}
+
+/// The value as the method answers it: the two are of different types where a setting is written as
+/// one and read as the other.
+QVariant converted(const QVariant &value, const QString &dbusType)
+{
+    if (dbusType == QLatin1String("i") && value.userType() == QMetaType::Double)
+        return int32Of(value.toDouble());
+    return value;
+}
+
+} // namespace
+
+Service::Service(const Interface &interface, Configuration &configuration,
+                 UserSettings &userSettings, ServiceLog &log, Faults &faults,
+                 const MethodTable &methods)
+    : m_interface(interface),
+      m_configuration(configuration),
+      m_userSettings(userSettings),
+      m_log(log),
+      m_faults(faults),
+      m_methods(methods)
+{
+    QStringList others;
+    for (const Method &method : interface.methods()) {
+        const Settings &settings = configuration.settings();
+        if (!methods.contains(method.name) && !settings.writtenBy(method) &&
+            !settings.readBy(method))
+            others += method.name;
+    }
+    configuration.profile().requireAnswers(others);
+}
+
+QString Service::introspect(const QString &) const
+{
+    return m_interface.xml();
+}
+
+bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    // D-Bus allows a call that does not say which interface it means.
+    if (!message.interface().isEmpty() && message.interface() != m_interface.name())
+        return false;
+    if (const std::optional<Fault> fault = m_faults.next(message.member()))
+        answerFaultily(*fault, message, connection);
+    else
+        send(answerTo(message), message, connection);
+    return true;
+}
+
+void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
+                             const QDBusConnection &connection)
+{
+    switch (fault.kind) {
+    case Fault::Kind::Error: {
+        const QDBusMessage answer = message.createErrorReply(
+            QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
+            fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail);
+        m_log.add(message.member(), answer.errorName());
+        send(answer, message, connection);
+        break;
+    }
+    case Fault::Kind::WrongType:
+        send(ofWrongType(answerTo(message), message), message, connection);
+        break;
+    case Fault::Kind::Delay:
+        QTimer::singleShot(fault.milliseconds(), this,
+                           [answer = answerTo(message), message, connection] {
+                               send(answer, message, connection);
+                           });
+        break;
+    case Fault::Kind::NoAnswer:
+        m_log.add(message.member(), Faults::nameOf(fault.kind));
+        break;
+    case Fault::Kind::Crash:
+        // The bus answers when it has what has been sent so far: the signal that this happens.
+        connection.interface()->call(QStringLiteral("GetId"));
+        std::raise(SIGKILL);
+        break;
+    case Fault::Kind::DropName:
+        Q_EMIT leaveRequested(fault.milliseconds());
+        send(answerTo(message), message, connection);
+        break;
+    }
+}
+
+QDBusMessage Service::answerTo(const QDBusMessage &message)
+{
+    QDBusMessage answer;
+    try {
+        const Method &method = checkedMethod(m_interface, message);
+        const QVariantList arguments = demarshalled(message.arguments());
+        const QVariant result = carryOut(Call(method, arguments));
+        answer = result.isValid() ? message.createReply(result) : message.createReply();
+    } catch (const Refusal &refusal) {
+        answer = message.createErrorReply(refusal.name, refusal.message);
+    } catch (const StoreError &error) {
+        answer = message.createErrorReply(QDBusError::Failed, QString::fromUtf8(error.what()));
+    }
+    m_log.add(message.member(), answer.errorName());
+    return answer;
+}
+
+QVariant Service::carryOut(const Call &call)
+{
+    const Method &method = call.method();
+    const auto body = m_methods.constFind(method.name);
+    if (body != m_methods.cend())
+        return (*body)(call);
+    if (const Setting *written = m_configuration.settings().writtenBy(method)) {
+        m_userSettings.setValue(nameOf(*written, call), call.collectionId(),
+                                call.argument(valueArgument(method)),
+                                call.argument("flag").toBool());
+        return method.resultType.isEmpty() ? QVariant() : true;
+    }
+    if (const Setting *read = m_configuration.settings().readBy(method))
+        return converted(m_configuration.value(nameOf(*read, call), call.collectionId()),
+                         method.resultType);
+    return m_configuration.profile().answers().value(method.name);
+}
+
+} // namespace simulator

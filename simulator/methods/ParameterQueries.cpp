@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+
+#include "methods/ParameterQueries.h"
+
+#include "methods/Call.h"
+#include "model/DBusTypes.h"
+#include "model/Profile.h"
+#include "model/Settings.h"
+#include "state/Configuration.h"
+#include "state/Refusal.h"
+
+#include <libconfigurationmanager/lcm.h>
+
+#include <QtCore/QMetaEnum>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace simulator {
+
+namespace {
+
+MapList valueList(const Configuration &configuration, int row)
+{
+    const auto rows = QMetaEnum::fromType<lcm::EnumDetail::RowValueList>();
+    const char *name = rows.valueToKey(row);
+    if (!name)
+        throw unknownName(QStringLiteral("there is no value list %1; they are numbered %2 to %3")
+                              .arg(row)
+                              .arg(rows.value(0))
+                              .arg(rows.value(rows.keyCount() - 1)));
+    MapList list;
+    for (const Choice &choice : configuration.profile().rows().value(QString::fromLatin1(name)))
+        list.append({{QStringLiteral("key"), choice.key}, {QStringLiteral("value"), choice.value}});
+    return list;
+}
+
+struct Range
+{
+    double min;
+    double max;
+};
+
+Range rangeOf(const Configuration &configuration, const QString &name)
+{
+    const Parameter &parameter = configuration.parameter(name);
+    if (parameter.min)
+        return {*parameter.min, *parameter.max};
+    const QVector<Choice> choices = configuration.profile().rows().value(parameter.row);
+    if (choices.isEmpty() || configuration.setting(name).type != QLatin1String("i"))
+        throw invalidValue(QStringLiteral("%1 has no bounds").arg(name));
+    const auto [min, max] =
+        std::minmax_element(choices.begin(), choices.end(),
+                            [](const Choice &a, const Choice &b) { return a.value < b.value; });
+    return {double(min->value), double(max->value)};
+}
+
+/// What the sentence of a setter says that it sets, e.g. "the baud rate of the serial line".
+QString phraseOf(const Setting &setting)
+{
+    QString phrase = setting.meaning;
+    phrase.remove(QStringLiteral("Sets "));
+    phrase.chop(1);
+    return phrase;
+}
+
+QString proposition(const Configuration &configuration, const QString &name)
+{
+    const QString phrase = phraseOf(configuration.setting(name));
+    return phrase.left(1).toUpper() + phrase.mid(1);
+}
+
+QString shownValue(const Configuration &configuration, const QString &name)
+{
+    const Parameter &parameter = configuration.parameter(name);
+    const QVariant value = configuration.value(name);
+    if (parameter.secret)
+        return value.toString().isEmpty() ? QStringLiteral("not set") : QStringLiteral("set");
+    if (configuration.setting(name).type == QLatin1String("i")) {
+        for (const Choice &choice : configuration.profile().rows().value(parameter.row)) {
+            if (value == choice.value)
+                return choice.key;
+        }
+    }
+    return (value.toString() + QLatin1Char(' ') + parameter.unit).trimmed();
+}
+
+QVariantMap descriptionOf(const Configuration &configuration, const QString &name)
+{
+    const Setting &setting = configuration.setting(name);
+    const Parameter &parameter = configuration.parameter(name);
+    QVariantMap map{{QStringLiteral("type"), setting.type},
+                    {QStringLiteral("family"), setting.family},
+                    {QStringLiteral("meaning"), phraseOf(setting)},
+                    {QStringLiteral("perCollection"), setting.perCollection},
+                    {QStringLiteral("secret"), parameter.secret}};
+    if (parameter.initial.isValid())
+        map.insert(QStringLiteral("default"), parameter.initial);
+    if (parameter.min) {
+        map.insert(QStringLiteral("min"), *parameter.min);
+        map.insert(QStringLiteral("max"), *parameter.max);
+    }
+    if (setting.type == QLatin1String("d"))
+        map.insert(QStringLiteral("precision"), parameter.precision);
+    if (parameter.maxLength)
+        map.insert(QStringLiteral("maxLength"), *parameter.maxLength);
+    if (!parameter.unit.isEmpty())
+        map.insert(QStringLiteral("unit"), parameter.unit);
+    if (!parameter.row.isEmpty())
+        map.insert(QStringLiteral("row"), parameter.row);
+    return map;
+}
+
+QVariantMap tableMetadata(const Configuration &configuration, const QString &table,
+                          const QString &name)
+{
+    if (table == QLatin1String("settings"))
+        return descriptionOf(configuration, name);
+    if (table == QLatin1String("papers")) {
+        const QVariantMap paper = configuration.profile().papers().value(name);
+        if (paper.isEmpty())
+            throw unknownName(QStringLiteral("there is no paper \"%1\"").arg(name));
+        return paper;
+    }
+    throw unknownName(
+        QStringLiteral("there is no table \"%1\"; there are: papers, settings").arg(table));
+}
+
+QVariantMap valuesOf(const Configuration &configuration, const QStringList &names,
+                     const QString &collection)
+{
+    QVariantMap map;
+    for (const QString &name : names)
+        map.insert(name, configuration.value(name, collection));
+    return map;
+}
+
+QVariantMap volumeLimits(const Configuration &configuration)
+{
+    const QString name = QStringLiteral("VolumeFineAdjustment");
+    const Range range = rangeOf(configuration, name);
+    return {{QStringLiteral("min"), int(range.min)},
+            {QStringLiteral("max"), int(range.max)},
+            {QStringLiteral("default"), configuration.parameter(name).initial}};
+}
+
+int integerValue(const Configuration &configuration, const Call &call)
+{
+    const QString name = call.text("name");
+    configuration.requireInteger(name);
+    return configuration.value(name, call.collectionId()).toInt();
+}
+
+double number(const Configuration &configuration, const Call &call)
+{
+    const QVariant value = configuration.value(call.text("name"), call.collectionId());
+    if (value.userType() == QMetaType::QString)
+        throw invalidValue(QStringLiteral("%1 is not a number").arg(call.text("name")));
+    return value.toDouble();
+}
+
+QString choiceKey(const Configuration &configuration, const QString &name, int position)
+{
+    const QVector<Choice> choices =
+        configuration.profile().rows().value(configuration.parameter(name).row);
+    if (position < 0 || position >= choices.size())
+        throw invalidArguments(
+            QStringLiteral("%1 has %2 choices, numbered from 0; there is no choice %3")
+                .arg(name)
+                .arg(choices.size())
+                .arg(position));
+    return choices.at(position).key;
+}
+
+} // namespace
+
+MethodTable parameterQueries(const Configuration &c)
+{
+    return {
+        {QStringLiteral("getValueList"),
+         [&c](const Call &call) { return QVariant::fromValue(valueList(c, call.number("row"))); }},
+        {QStringLiteral("getTableMetadata"),
+         [&c](const Call &call) {
+             return tableMetadata(c, call.text("first"), call.text("second"));
+         }},
+        {QStringLiteral("getTempProperties"),
+         [&c](const Call &call) {
+             return valuesOf(c, c.profile().temporaryProperties(), call.collectionId());
+         }},
+        {QStringLiteral("getLayoutParameters"),
+         [&c](const Call &call) {
+             return valuesOf(c, c.profile().layoutParameters(), call.collectionId());
+         }},
+        {QStringLiteral("getVolumeFineAdjustmentLimits"),
+         [&c](const Call &) { return volumeLimits(c); }},
+        {QStringLiteral("getProposition"),
+         [&c](const Call &call) { return proposition(c, call.text("name")); }},
+        {QStringLiteral("getValueSentence"),
+         [&c](const Call &call) {
+             const QString name = call.text("name");
+             return QStringLiteral("%1: %2").arg(proposition(c, name), shownValue(c, name));
+         }},
+        // The whole numbers within the bounds.
+        {QStringLiteral("getMinValue"),
+         [&c](const Call &call) { return int(std::ceil(rangeOf(c, call.text("name")).min)); }},
+        {QStringLiteral("getMaxValue"),
+         [&c](const Call &call) {
+             const double whole = std::floor(rangeOf(c, call.text("name")).max);
+             return int(std::min(whole, double(std::numeric_limits<int>::max())));
+         }},
+        {QStringLiteral("getPrecision"),
+         [&c](const Call &call) { return c.parameter(call.text("name")).precision; }},
+        {QStringLiteral("getIntValue"), [&c](const Call &call) { return integerValue(c, call); }},
+        {QStringLiteral("getIntDeltaValue"),
+         [&c](const Call &call) {
+             return integerValue(c, call) -
+                    c.initialValue(call.text("name"), call.collectionId()).toInt();
+         }},
+        {QStringLiteral("getParamIntValue"),
+         [&c](const Call &call) { return int32Of(number(c, call)); }},
+        {QStringLiteral("getParamFloatValue"), [&c](const Call &call) { return number(c, call); }},
+        {QStringLiteral("returnDocSettingKey"),
+         [&c](const Call &call) { return choiceKey(c, call.text("key"), call.number("number")); }},
+    };
+}
+
+} // namespace simulator

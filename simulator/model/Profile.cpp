@@ -1,0 +1,532 @@
+// SPDX-License-Identifier: MIT
+
+#include "model/Profile.h"
+
+#include "model/Interface.h"
+#include "model/Resources.h"
+#include "model/Settings.h"
+
+#include <libconfigurationmanager/lcm.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QLocale>
+#include <QtCore/QMetaEnum>
+
+#include <cmath>
+
+namespace simulator {
+
+namespace {
+
+const QString abstractBase = QStringLiteral("Embosser");
+
+QString baseFile(const QString &base, const QString &file)
+{
+    const QString builtIn = Profile::fileOfBuiltIn(base);
+    return QFile::exists(builtIn) ? builtIn : QFileInfo(file).dir().filePath(base);
+}
+
+/// The number that a text of the form "Enumeration.Key" stands for; none if it is no such text.
+std::optional<int> enumValue(const JsonNode &node)
+{
+    const QString text = node.toText();
+    const QString enumeration = text.section(QLatin1Char('.'), 0, 0);
+    const QMetaObject &meta = lcm::EnumDetail::staticMetaObject;
+    const int index = meta.indexOfEnumerator(enumeration.toLatin1().constData());
+    if (index < 0 || enumeration == text)
+        return {};
+    bool ok = false;
+    const QString key = text.section(QLatin1Char('.'), 1);
+    const int value = meta.enumerator(index).keyToValue(key.toLatin1().constData(), &ok);
+    if (!ok)
+        node.refuse(QStringLiteral("%1 has no key %2").arg(enumeration, key));
+    return value;
+}
+
+/// A number, the key of an enumeration, or a list of keys of which each is a bit.
+int readInteger(const JsonNode &node)
+{
+    if (node.isNumber())
+        return node.toInteger();
+    if (!node.isArray()) {
+        const std::optional<int> value = enumValue(node);
+        if (!value)
+            node.refuse(QStringLiteral("is neither a number nor the key of an enumeration"));
+        return *value;
+    }
+    int bits = 0;
+    for (const JsonNode &element : node.elements())
+        bits |= readInteger(element);
+    return bits;
+}
+
+/// A length or a factor.
+double readPositive(const JsonNode &node)
+{
+    // Also in hundredths, it is within an int.
+    const double most = 1e6;
+    const double number = node.toNumber();
+    if (number <= 0 || number > most)
+        node.refuse(QStringLiteral("is not above 0 and up to 1000000"));
+    return number;
+}
+
+/// How many of something.
+int readCount(const JsonNode &node)
+{
+    const int count = node.toInteger();
+    if (count < 0)
+        node.refuse(QStringLiteral("is below 0"));
+    return count;
+}
+
+/// A number that has a key in the enumeration, or that key.
+template<typename Enumeration>
+int readKey(const JsonNode &node)
+{
+    const auto enumeration = QMetaEnum::fromType<Enumeration>();
+    const int value = readInteger(node);
+    if (!enumeration.valueToKey(value))
+        node.refuse(QStringLiteral("is not a value of %1")
+                        .arg(QString::fromLatin1(enumeration.enumName())));
+    return value;
+}
+
+QVariant readValue(const JsonNode &node, const QString &dbusType)
+{
+    if (dbusType == QLatin1String("i"))
+        return readInteger(node);
+    if (dbusType == QLatin1String("d"))
+        return node.toNumber();
+    if (dbusType == QLatin1String("b"))
+        return node.toBool();
+    return node.toText();
+}
+
+Choice readChoice(const JsonNode &node, int position)
+{
+    if (node.isNumber())
+        return {QString::number(node.toInteger()), node.toInteger()};
+    if (node.isObject()) {
+        node.allowOnly({QStringLiteral("key"), QStringLiteral("value")});
+        return {node["key"].toText(), node["value"].toInteger()};
+    }
+    const std::optional<int> value = enumValue(node);
+    return value ? Choice{node.toText().section(QLatin1Char('.'), 1), *value}
+                 : Choice{node.toText(), position};
+}
+
+QVector<Choice> choicesOf(const QStringList &keys)
+{
+    QVector<Choice> choices;
+    for (const QString &key : keys)
+        choices.append({key, choices.size()});
+    return choices;
+}
+
+/// The line that a model is of: a V5 variant is of that of its model.
+QString lineOf(const QString &model)
+{
+    const QString variant = QStringLiteral("_V5");
+    return model.endsWith(variant) ? model.chopped(variant.size()) : model;
+}
+
+QVector<Choice> modelChoices()
+{
+    using Type = lcm::EnumDetail::EmbosserType;
+    const auto types = QMetaEnum::fromType<Type>();
+    QVector<Choice> choices;
+    for (int i = 0; i < types.keyCount(); ++i) {
+        const auto type = Type(types.value(i));
+        if (type != Type::Undefined && type != Type::BrailleEmbosser)
+            choices.append({QString::fromLatin1(types.key(i)), types.value(i)});
+    }
+    return choices;
+}
+
+QVariantMap readPaper(const JsonNode &node)
+{
+    using FeedType = lcm::EnumDetail::FeedType;
+    using Orientation = lcm::EnumDetail::Orientation;
+    const QString inch = QStringLiteral("inch");
+    const double millimetresPerInch = 25.4;
+
+    node.allowOnly({QStringLiteral("width"), QStringLiteral("height"), QStringLiteral("unit"),
+                    QStringLiteral("feedStep"), QStringLiteral("printHeadOffset"),
+                    QStringLiteral("formatOrientation"), QStringLiteral("loadOrientation"),
+                    QStringLiteral("feedType"), QStringLiteral("modelMask")});
+    const double width = readPositive(node["width"]);
+    const double height = readPositive(node["height"]);
+    const QString unit = node["unit"].toText();
+    if (unit != inch && unit != QLatin1String("mm"))
+        node["unit"].refuse(QStringLiteral("is neither mm nor inch"));
+    const auto orientation = Orientation(readKey<Orientation>(node["formatOrientation"]));
+    const bool isLandscape = orientation == Orientation::Landscape;
+    if (width != height && isLandscape != (width > height))
+        node["formatOrientation"].refuse(QStringLiteral("does not agree with width and height"),
+                                         {node["width"], node["height"]});
+    // Whole millimetres and hundredths.
+    const int hundredths = qRound(readPositive(node["feedStep"]) * 100);
+    if (hundredths <= 0)
+        node["feedStep"].refuse(QStringLiteral("is not above 0 in hundredths"));
+    return {{QStringLiteral("width"), width},
+            {QStringLiteral("height"), height},
+            {QStringLiteral("inchesWidth"), qRound(width / millimetresPerInch)},
+            {QStringLiteral("inchesHeight"), qRound(height / millimetresPerInch)},
+            {QStringLiteral("sizeUnit"), unit},
+            {QStringLiteral("unit"), unit == inch ? 1 : 0},
+            {QStringLiteral("stepLength"), hundredths / 100},
+            {QStringLiteral("stepLengthFraction"), hundredths % 100},
+            {QStringLiteral("printHeadOffset"), node["printHeadOffset"].toNumber()},
+            {QStringLiteral("formatOrientation"), int(orientation)},
+            {QStringLiteral("loadOrientation"), readKey<Orientation>(node["loadOrientation"])},
+            {QStringLiteral("feedType"), readKey<FeedType>(node["feedType"])},
+            {QStringLiteral("modelMask"), readInteger(node["modelMask"])}};
+}
+
+Cell readCell(const JsonNode &node)
+{
+    node.allowOnly({QStringLiteral("cellToCell"), QStringLiteral("horizontal"),
+                    QStringLiteral("vertical"), QStringLiteral("lineToLine"),
+                    QStringLiteral("interline")});
+    return {readPositive(node["cellToCell"]), readPositive(node["horizontal"]),
+            readPositive(node["vertical"]), readPositive(node["lineToLine"]),
+            node["interline"].toBool()};
+}
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+QString shortened(const QString &text)
+{
+    const int enough = 60;
+    return text.size() <= enough ? text : text.left(enough) + QStringLiteral("...");
+}
+
+/// Whether the type takes a range.
+bool isNumeric(const QString &dbusType)
+{
+    return dbusType == QLatin1String("i") || dbusType == QLatin1String("d");
+}
+
+Parameter readParameter(const JsonNode &node, const Setting &setting)
+{
+    Parameter parameter;
+    const QString follows = QStringLiteral("follows");
+    QStringList allowed{node.has(follows) ? follows : QStringLiteral("default"),
+                        QStringLiteral("unit")};
+    if (node.has(follows))
+        parameter.follows = node["follows"].toText();
+    else
+        parameter.initial = readValue(node["default"], setting.type);
+    if (setting.type == QLatin1String("i") || setting.type == QLatin1String("s")) {
+        if (node.has(QStringLiteral("row")))
+            parameter.row = node["row"].toText();
+        allowed << QStringLiteral("row");
+    }
+    if (node.has(QStringLiteral("unit")))
+        parameter.unit = node["unit"].toText();
+    if (isNumeric(setting.type) && parameter.row.isEmpty()) {
+        const bool isInteger = setting.type == QLatin1String("i");
+        parameter.min = isInteger ? node["min"].toInteger() : node["min"].toNumber();
+        parameter.max = isInteger ? node["max"].toInteger() : node["max"].toNumber();
+        if (*parameter.min > *parameter.max)
+            node["min"].refuse(QStringLiteral("is above max"), {node["max"]});
+        allowed << QStringLiteral("min") << QStringLiteral("max");
+    }
+    if (setting.type == QLatin1String("d")) {
+        if (node.has(QStringLiteral("precision")))
+            parameter.precision = readCount(node["precision"]);
+        allowed << QStringLiteral("precision");
+    }
+    if (setting.type == QLatin1String("s")) {
+        if (node.has(QStringLiteral("maxLength")))
+            parameter.maxLength = readCount(node["maxLength"]);
+        if (node.has(QStringLiteral("secret")))
+            parameter.secret = node["secret"].toBool();
+        allowed << QStringLiteral("maxLength") << QStringLiteral("secret");
+    }
+    node.allowOnly(allowed, {node["row"], node["follows"]});
+    return parameter;
+}
+
+/// Refuses answers that contradict each other.
+void checkAnswers(const JsonNode &node)
+{
+    using FeedType = lcm::EnumDetail::FeedType;
+    const int type = readKey<lcm::EnumDetail::EmbosserType>(node["getType"]);
+    const auto feed = FeedType(readKey<FeedType>(node["getFeedType"]));
+    readKey<lcm::EnumDetail::HeadType>(node["getHeadType"]);
+    readKey<lcm::EnumDetail::ModelMask>(node["getModelMask"]);
+
+    QMap<QString, bool> isOfLine;
+    for (const Choice &model : modelChoices())
+        isOfLine[lineOf(model.key)] |= model.value == type;
+    for (auto line = isOfLine.begin(); line != isOfLine.end(); ++line) {
+        const JsonNode answer = node[QStringLiteral("is") + line.key()];
+        if (answer.toBool() != *line)
+            answer.refuse(QStringLiteral("does not agree with getType"), {node["getType"]});
+    }
+    const QMap<FeedType, const char *> capabilities{{FeedType::Tractor, "hasTractorFeed"},
+                                                    {FeedType::Feeder, "hasFeeder"}};
+    if (capabilities.contains(feed) && !node[capabilities.value(feed)].toBool())
+        node[capabilities.value(feed)].refuse(QStringLiteral("does not agree with getFeedType"),
+                                              {node["getFeedType"]});
+}
+
+} // namespace
+
+QStringList Profile::builtInModels()
+{
+    QStringList models;
+    for (const QFileInfo &file : QDir(builtInProfiles()).entryInfoList()) {
+        if (file.completeBaseName() != abstractBase)
+            models += file.completeBaseName();
+    }
+    return models;
+}
+
+QString Profile::fileOfBuiltIn(const QString &model)
+{
+    return QStringLiteral("%1/%2.json").arg(builtInProfiles(), model);
+}
+
+Profile::Profile(const QString &file, const Interface &interface, const Settings &settings)
+    : m_json(file, baseFile), m_name(QFileInfo(file).completeBaseName())
+{
+    const JsonNode root(m_json);
+    root.allowOnly({QStringLiteral("answers"), QStringLiteral("settings"), QStringLiteral("rows"),
+                    QStringLiteral("papers"), QStringLiteral("cells"),
+                    QStringLiteral("lineSpacings"), QStringLiteral("documents"),
+                    QStringLiteral("layoutParameters"), QStringLiteral("temporaryProperties"),
+                    QStringLiteral("userSettings")});
+
+    readAnswers(root["answers"], interface);
+    for (const QString &name : root["papers"].keys())
+        m_papers.insert(name, readPaper(root["papers"][name]));
+    for (const QString &name : root["cells"].keys())
+        m_cells.insert(name, readCell(root["cells"][name]));
+    for (const QString &name : root["lineSpacings"].keys())
+        m_lineSpacings.insert(name, readPositive(root["lineSpacings"][name]));
+    root["documents"].allowOnly(
+        {QStringLiteral("demo"), QStringLiteral("manual"), QStringLiteral("service")});
+    for (const QString &kind : root["documents"].keys()) {
+        const JsonNode documents = root["documents"][kind];
+        for (const QString &name : documents.keys())
+            m_documents[kind].insert(name, documents[name].toText());
+    }
+    if (suitablePapers().isEmpty())
+        root["answers"]["getMaskValue"].refuse(
+            QStringLiteral("there is no paper for it and for getFeedType"),
+            {root["answers"]["getFeedType"], root["papers"]});
+    readRows(root["rows"]);
+    readParameters(root["settings"], settings);
+    requireChoicesOf(currentPaper(), root["papers"]);
+    requireChoicesOf(QStringLiteral("BrailleCellSize"), root["cells"]);
+    requireChoicesOf(QStringLiteral("GraphicCellSize"), root["cells"]);
+    requireChoicesOf(QStringLiteral("BrailleLineSpacing"), root["lineSpacings"]);
+    checkPapers(root["papers"]);
+    m_layoutParameters = readSettingNames(root["layoutParameters"]);
+    m_temporaryProperties = readSettingNames(root["temporaryProperties"]);
+    readUserSettings(root["userSettings"], settings);
+}
+
+void Profile::readAnswers(const JsonNode &node, const Interface &interface)
+{
+    for (const QString &name : node.keys()) {
+        const Method *method = interface.method(name);
+        if (!method)
+            node[name].refuse(QStringLiteral("is not a method of the service"));
+        m_answers.insert(name, readValue(node[name], method->resultType));
+    }
+    checkAnswers(node);
+}
+
+void Profile::readRows(const JsonNode &node)
+{
+    // What these lists hold stands elsewhere already.
+    m_rows = {{QStringLiteral("Model"), modelChoices()},
+              {QStringLiteral("Papers"), choicesOf(suitablePapers())},
+              {QStringLiteral("DemoFiles"), choicesOf(documents(QStringLiteral("demo")).keys())},
+              {QStringLiteral("Manuals"), choicesOf(documents(QStringLiteral("manual")).keys())}};
+    const auto rows = QMetaEnum::fromType<lcm::EnumDetail::RowValueList>();
+    QStringList names;
+    for (int i = 0; i < rows.keyCount(); ++i) {
+        const QString name = QString::fromLatin1(rows.key(i));
+        if (m_rows.contains(name))
+            continue;
+        names += name;
+        QVector<Choice> &choices = m_rows[name];
+        for (const JsonNode &element : node[name].elements()) {
+            const Choice choice = readChoice(element, choices.size());
+            for (const Choice &other : qAsConst(choices)) {
+                if (choice.key == other.key || choice.value == other.value)
+                    element.refuse(QStringLiteral("has the key or the value of another entry"));
+            }
+            choices.append(choice);
+        }
+        if (choices.isEmpty())
+            node[name].refuse(QStringLiteral("is empty"));
+    }
+    node.allowOnly(names);
+}
+
+void Profile::readParameters(const JsonNode &node, const Settings &settings)
+{
+    for (const QString &name : node.keys()) {
+        const JsonNode member = node[name];
+        const auto setting = settings.all().constFind(name.section(QLatin1Char('/'), 0, 0));
+        if (setting == settings.all().cend())
+            member.refuse(QStringLiteral("is not a setting of the service"));
+        if (setting->keyed != name.contains(QLatin1Char('/')))
+            member.refuse(setting->keyed ? QStringLiteral("needs a key, after a slash")
+                                         : QStringLiteral("takes no key"));
+        const Parameter parameter = readParameter(member, *setting);
+        m_parameters.insert(name, parameter);
+        if (!parameter.row.isEmpty() && !m_rows.contains(parameter.row))
+            member["row"].refuse(QStringLiteral("is not a value list"));
+        if (name == currentPaper() && !parameter.follows.isEmpty())
+            member["follows"].refuse(QStringLiteral("the current paper cannot follow itself"));
+        if (parameter.follows.isEmpty()) {
+            const QString objection = objectionTo(name, parameter.initial);
+            if (!objection.isEmpty())
+                member["default"].refuse(objection, constraintsOf(name));
+        } else if (!m_papers.first().contains(parameter.follows)) {
+            member["follows"].refuse(QStringLiteral("is not a property of a paper"));
+        }
+    }
+    for (const Setting &setting : settings.all()) {
+        const QString name = setting.keyed ? setting.name + QLatin1Char('/') : setting.name;
+        const auto next = m_parameters.lowerBound(name);
+        if (next == m_parameters.cend() ||
+            !(setting.keyed ? next.key().startsWith(name) : next.key() == name))
+            node[name].refuse(QString());
+    }
+}
+
+void Profile::requireChoicesOf(const QString &setting, const JsonNode &members) const
+{
+    const QString row = m_parameters.value(setting).row;
+    if (row.isEmpty())
+        JsonNode(m_json)["settings"][setting]["row"].refuse(QString());
+    for (const Choice &choice : m_rows.value(row)) {
+        if (!members.has(choice.key))
+            members[choice.key].refuse(QString(), constraintsOf(setting));
+    }
+}
+
+QStringList Profile::suitablePapers() const
+{
+    const int mask = m_answers.value(QStringLiteral("getMaskValue")).toInt();
+    const QVariant feed = m_answers.value(QStringLiteral("getFeedType"));
+    const int any = int(lcm::EnumDetail::FeedType::Ignore);
+    QStringList names;
+    for (auto paper = m_papers.begin(); paper != m_papers.end(); ++paper) {
+        const QVariant paperFeed = paper->value(QStringLiteral("feedType"));
+        if ((paper->value(QStringLiteral("modelMask")).toInt() & mask) &&
+            (feed == any || paperFeed == any || feed == paperFeed))
+            names += paper.key();
+    }
+    return names;
+}
+
+void Profile::checkPapers(const JsonNode &node) const
+{
+    for (const QString &name : suitablePapers()) {
+        for (auto parameter = m_parameters.begin(); parameter != m_parameters.end(); ++parameter) {
+            if (parameter->follows.isEmpty())
+                continue;
+            const QString objection =
+                objectionTo(parameter.key(), m_papers.value(name).value(parameter->follows));
+            if (!objection.isEmpty())
+                node[name].refuse(parameter.key() + QLatin1String(": ") + objection,
+                                  constraintsOf(parameter.key()));
+        }
+    }
+}
+
+QVector<JsonNode> Profile::constraintsOf(const QString &setting) const
+{
+    const JsonNode root(m_json);
+    QVector<JsonNode> nodes;
+    for (const char *constraint : {"min", "max", "row", "precision", "maxLength"})
+        nodes += root["settings"][setting][constraint];
+    const QString row = m_parameters.value(setting).row;
+    if (!row.isEmpty())
+        nodes += root["rows"][row];
+    return nodes;
+}
+
+QStringList Profile::readSettingNames(const JsonNode &node) const
+{
+    for (const JsonNode &element : node.elements()) {
+        if (!m_parameters.contains(element.toText()))
+            element.refuse(QStringLiteral("is not a setting"),
+                           {JsonNode(m_json)["settings"][element.toText()]});
+    }
+    return node.toTexts();
+}
+
+void Profile::readUserSettings(const JsonNode &node, const Settings &settings)
+{
+    node.allowOnly({QStringLiteral("families"), QStringLiteral("except")});
+    const QStringList except = readSettingNames(node["except"]);
+    for (const JsonNode &element : node["families"].elements()) {
+        const int before = m_userSettings.size();
+        for (const Setting &setting : settings.all()) {
+            if (setting.family == element.toText() && !except.contains(setting.name))
+                m_userSettings += setting.name;
+        }
+        if (m_userSettings.size() == before)
+            element.refuse(QStringLiteral("is not a family of settings"));
+    }
+}
+
+QString Profile::objectionTo(const QString &name, const QVariant &value) const
+{
+    const Parameter parameter = m_parameters.value(name);
+    const bool isText = value.userType() == QMetaType::QString;
+    const QString shown =
+        parameter.secret ? QStringLiteral("the value") : shortened(value.toString());
+    if (!parameter.row.isEmpty()) {
+        QStringList allowed;
+        for (const Choice &choice : m_rows.value(parameter.row)) {
+            if (isText ? value == choice.key : value == choice.value)
+                return {};
+            allowed += isText ? choice.key : QString::number(choice.value);
+        }
+        return QStringLiteral("%1 is none of: %2").arg(shown, allowed.join(QStringLiteral(", ")));
+    }
+    if (parameter.min) {
+        const double number = value.toDouble();
+        // Written so that what is not a number is refused.
+        if (!(number >= *parameter.min && number <= *parameter.max))
+            return QStringLiteral("%1 is not between %2 and %3 %4")
+                .arg(shown, numberText(*parameter.min), numberText(*parameter.max), parameter.unit)
+                .trimmed();
+        if (parameter.precision == 0 && number != std::floor(number))
+            return QStringLiteral("%1 is not a whole number").arg(shown);
+    }
+    if (parameter.maxLength && value.toString().toUtf8().size() > *parameter.maxLength)
+        return QStringLiteral("%1 is longer than %2 bytes")
+            .arg(shown, QString::number(*parameter.maxLength));
+    return {};
+}
+
+void Profile::requireAnswers(const QStringList &methods) const
+{
+    const JsonNode answers = JsonNode(m_json)["answers"];
+    for (const QString &method : methods) {
+        if (!m_answers.contains(method))
+            answers[method].refuse(QString());
+    }
+    for (const QString &method : m_answers.keys()) {
+        if (!methods.contains(method))
+            answers[method].refuse(QStringLiteral("is not a query that the profile answers"));
+    }
+}
+
+} // namespace simulator

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_MODEL_PROFILE_H
+#define SIMULATOR_MODEL_PROFILE_H
+
+#include "model/LayeredJson.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVariant>
+#include <QtCore/QVector>
+
+#include <optional>
+
+namespace simulator {
+
+class Interface;
+class Settings;
+struct Setting;
+
+/// What a model says of one setting, or of one key of a keyed setting.
+struct Parameter
+{
+    QVariant initial; ///< the value until one is set; invalid if that follows the paper
+    QString follows;  ///< the property of the current paper that gives the value until one is set
+    std::optional<double> min;
+    std::optional<double> max;
+    int precision = 0; ///< decimals
+    QString unit;
+    QString row; ///< name of the value list that has the allowed values; may be empty
+    std::optional<int> maxLength; ///< of a text, in bytes of UTF-8
+    bool secret = false;
+};
+
+/// One entry of a value list.
+struct Choice
+{
+    QString key; ///< what a text setting holds
+    int value;   ///< what a number setting holds
+};
+
+/// Braille distances in millimetres.
+struct Cell
+{
+    double cellToCell;
+    double horizontalDotToDot;
+    double verticalDotToDot;
+    double lineToLine;
+    bool interline; ///< whether the dots of the back stand between the lines of the front
+};
+
+/// An embosser model: everything that the service knows without being told over the bus.
+class Profile
+{
+public:
+    /// Throws JsonError if the file does not describe a model that has these settings.
+    Profile(const QString &file, const Interface &interface, const Settings &settings);
+
+    /// The models that are part of the program.
+    static QStringList builtInModels();
+    static QString fileOfBuiltIn(const QString &model);
+
+    /// The setting that names the current paper.
+    static QString currentPaper() { return QStringLiteral("PaperSize"); }
+
+    /// The name of the file without its suffix.
+    QString name() const { return m_name; }
+
+    /// The answers to the queries without arguments, by method name.
+    const QMap<QString, QVariant> &answers() const { return m_answers; }
+
+    /// By name; a key follows the name of its setting and a slash.
+    const QMap<QString, Parameter> &parameters() const { return m_parameters; }
+
+    const QMap<QString, QVector<Choice>> &rows() const { return m_rows; }
+
+    /// The properties of each paper format, the lengths in millimetres.
+    const QMap<QString, QVariantMap> &papers() const { return m_papers; }
+
+    const QMap<QString, Cell> &cells() const { return m_cells; }
+
+    /// The factor by which a line spacing widens the distance of lines.
+    const QMap<QString, double> &lineSpacings() const { return m_lineSpacings; }
+
+    /// The paths of the stored documents by their names; `kind` is demo, manual or service.
+    QVariantMap documents(const QString &kind) const { return m_documents.value(kind); }
+
+    const QStringList &layoutParameters() const { return m_layoutParameters; }
+    const QStringList &temporaryProperties() const { return m_temporaryProperties; }
+    bool isUserSetting(const QString &setting) const { return m_userSettings.contains(setting); }
+
+    /// Why a setting cannot have a value, in words that follow its name; empty if it can. Does not
+    /// reveal the value of a secret.
+    QString objectionTo(const QString &name, const QVariant &value) const;
+
+    /// Throws JsonError unless exactly these methods have an answer.
+    void requireAnswers(const QStringList &methods) const;
+
+private:
+    void readAnswers(const JsonNode &node, const Interface &interface);
+    void readRows(const JsonNode &node);
+    void readParameters(const JsonNode &node, const Settings &settings);
+    /// Refuses a value of the setting that is none of the members.
+    void requireChoicesOf(const QString &setting, const JsonNode &members) const;
+    void checkPapers(const JsonNode &node) const;
+    /// What the profile says of the values that a setting can have.
+    QVector<JsonNode> constraintsOf(const QString &setting) const;
+    void readUserSettings(const JsonNode &node, const Settings &settings);
+    QStringList readSettingNames(const JsonNode &node) const;
+    QStringList suitablePapers() const;
+
+    const LayeredJson m_json;
+    const QString m_name;
+    QMap<QString, QVariant> m_answers;
+    QMap<QString, Parameter> m_parameters;
+    QMap<QString, QVector<Choice>> m_rows;
+    QMap<QString, QVariantMap> m_papers;
+    QMap<QString, Cell> m_cells;
+    QMap<QString, double> m_lineSpacings;
+    QMap<QString, QVariantMap> m_documents;
+    QStringList m_layoutParameters;
+    QStringList m_temporaryProperties;
+    QStringList m_userSettings;
+};
+
+} // namespace simulator
+
+#endif

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_PROGRAM_OPTIONS_H
+#define SIMULATOR_PROGRAM_OPTIONS_H
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <stdexcept>
+
+class QCoreApplication;
+
+namespace simulator {
+
+/// The command line cannot be carried out; what() says why.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What the command line asks for.
+struct Options
+{
+    QString profileFile;
+    QString stateFile;    ///< empty: in memory
+    QString usbDirectory; ///< empty: no medium
+    QStringList faults;   ///< as Faults::inject() takes them
+};
+
+/// Reads the application's command line. Answers --help, --version and --list-models itself, and
+/// ends the process. Throws UsageError.
+Options optionsFrom(const QCoreApplication &application);
+
+} // namespace simulator
+
+#endif

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+
+#include "state/Configuration.h"
+
+#include "model/DBusTypes.h"
+#include "model/Profile.h"
+#include "model/Settings.h"
+#include "state/Refusal.h"
+#include "state/Store.h"
+
+namespace simulator {
+
+namespace {
+
+// The collections beside the master.
+const QString collectionsScope = QStringLiteral("collections");
+const QString deviceScope = QStringLiteral("device");
+const QString paperSize = Profile::currentPaper();
+
+QString collectionScope(const QString &collection)
+{
+    return QStringLiteral("collection:") + collection;
+}
+
+QString scopeOf(const Setting &setting, const QString &collection)
+{
+    return setting.perCollection ? collectionScope(collection) : deviceScope;
+}
+
+bool isNumber(const QVariant &value)
+{
+    switch (value.userType()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UChar:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+Configuration::Configuration(const Settings &settings, const Profile &profile, Store &store)
+    : m_settings(settings), m_profile(profile), m_store(store)
+{
+}
+
+const Parameter &Configuration::parameter(const QString &name) const
+{
+    const auto found = m_profile.parameters().constFind(name);
+    if (found != m_profile.parameters().cend())
+        return *found;
+    const QString base = name.section(QLatin1Char('/'), 0, 0) + QLatin1Char('/');
+    QStringList keys;
+    for (const QString &other : m_profile.parameters().keys()) {
+        if (other.startsWith(base))
+            keys += other.mid(base.size());
+    }
+    throw unknownName(keys.isEmpty()
+                          ? QStringLiteral("there is no setting \"%1\"").arg(name)
+                          : QStringLiteral("there is no setting \"%1\"; the keys are: %2")
+                                .arg(name, keys.join(QStringLiteral(", "))));
+}
+
+const Setting &Configuration::setting(const QString &name) const
+{
+    parameter(name);
+    return *m_settings.all().constFind(name.section(QLatin1Char('/'), 0, 0));
+}
+
+void Configuration::requireInteger(const QString &name) const
+{
+    const QString type = setting(name).type;
+    if (type != QLatin1String("i"))
+        throw invalidValue(
+            QStringLiteral("%1 is not an integer, but of D-Bus type %2").arg(name, type));
+}
+
+QVariant Configuration::initialValue(const QString &name, const QString &collection) const
+{
+    const Parameter &known = parameter(name);
+    if (known.follows.isEmpty())
+        return known.initial;
+    const QString paper = value(paperSize, collection).toString();
+    return m_profile.papers().value(paper).value(known.follows);
+}
+
+QVariant Configuration::value(const QString &name, const QString &collection) const
+{
+    const Setting &asked = setting(name);
+    QVariant value = m_store.value(scopeOf(asked, collection), name);
+    if (!value.isValid())
+        return initialValue(name, collection);
+    const int type = metaTypeOf(asked.type);
+    // SQLite has no truth values.
+    if (type == QMetaType::Bool && isNumber(value) && (value == 0 || value == 1))
+        value = value.toBool();
+    const QString objection = objectionTo(name, value);
+    if (!objection.isEmpty())
+        throw failed(
+            QStringLiteral("%1: the value in the state does not fit: %2").arg(name, objection));
+    value.convert(type);
+    return value;
+}
+
+QString Configuration::objectionTo(const QString &name, const QVariant &value) const
+{
+    const QString type = setting(name).type;
+    const bool fits = isNumber(value) ? type == QLatin1String("i") || type == QLatin1String("d")
+                                      : value.userType() == metaTypeOf(type);
+    return fits ? m_profile.objectionTo(name, value)
+                : QStringLiteral("takes a value of D-Bus type %1").arg(type);
+}
+
+void Configuration::setValue(const QString &name, const QString &collection, const QVariant &value)
+{
+    const QString objection = objectionTo(name, value);
+    if (!objection.isEmpty())
+        throw invalidValue(name + QLatin1String(": ") + objection);
+    QVariant converted = value;
+    converted.convert(metaTypeOf(setting(name).type));
+
+    const QString scope = scopeOf(setting(name), collection);
+    Store::Transaction transaction(m_store);
+    m_store.setValue(scope, name, converted);
+    if (setting(name).perCollection && collection != masterCollection())
+        m_store.setValue(collectionsScope, collection, true);
+    if (name == paperSize) {
+        const auto &parameters = m_profile.parameters();
+        for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
+            if (!parameter->follows.isEmpty())
+                m_store.removeValue(scope, parameter.key());
+        }
+    }
+    transaction.commit();
+}
+
+void Configuration::increment(const QString &name, const QString &collection)
+{
+    setValue(name, collection, value(name, collection).toLongLong() + 1);
+}
+
+void Configuration::reset(const QString &name, const QString &collection)
+{
+    m_store.removeValue(scopeOf(setting(name), collection), name);
+}
+
+void Configuration::setValues(const QString &collection, const QVariantMap &values)
+{
+    Store::Transaction transaction(m_store);
+    // The paper first: it would undo what is said of its properties.
+    if (values.contains(paperSize))
+        setValue(paperSize, collection, values.value(paperSize));
+    for (auto value = values.begin(); value != values.end(); ++value) {
+        if (value.key() != paperSize)
+            setValue(value.key(), collection, *value);
+    }
+    transaction.commit();
+}
+
+QStringList Configuration::collections() const
+{
+    return QStringList(masterCollection()) + m_store.values(collectionsScope).keys();
+}
+
+QStringList Configuration::namesSetIn(const QString &collection) const
+{
+    QStringList names = m_store.values(collectionScope(collection)).keys();
+    if (collection == masterCollection())
+        names += m_store.values(deviceScope).keys();
+    return names;
+}
+
+bool Configuration::duplicateCollection(const QString &from, const QString &to)
+{
+    if (!collections().contains(from) || collections().contains(to))
+        return false;
+    Store::Transaction transaction(m_store);
+    m_store.copyScope(collectionScope(from), collectionScope(to));
+    m_store.setValue(collectionsScope, to, true);
+    transaction.commit();
+    return true;
+}
+
+bool Configuration::removeCollection(const QString &collection)
+{
+    if (collection == masterCollection() || !collections().contains(collection))
+        return false;
+    Store::Transaction transaction(m_store);
+    m_store.removeScope(collectionScope(collection));
+    m_store.removeValue(collectionsScope, collection);
+    transaction.commit();
+    return true;
+}
+
+} // namespace simulator

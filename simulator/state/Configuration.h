@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef SIMULATOR_STATE_CONFIGURATION_H
+#define SIMULATOR_STATE_CONFIGURATION_H
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVariant>
+
+namespace simulator {
+
+class Profile;
+class Settings;
+class Store;
+struct Parameter;
+struct Setting;
+
+/// The configuration: the values of the settings in their collections.
+///
+/// Settings are named as in Profile::parameters(). A collection has the profile's value of each
+/// setting that has not been set in it. Methods that take a name or a value throw a Refusal when
+/// that cannot be; nothing has changed then.
+class Configuration
+{
+public:
+    Configuration(const Settings &settings, const Profile &profile, Store &store);
+
+    /// The collection that is meant where a call does not say which.
+    static QString masterCollection() { return QStringLiteral("masterCollectionKey"); }
+
+    const Settings &settings() const { return m_settings; }
+    const Profile &profile() const { return m_profile; }
+
+    const Setting &setting(const QString &name) const;
+    const Parameter &parameter(const QString &name) const;
+
+    /// Throws a Refusal if the setting is of another type.
+    void requireInteger(const QString &name) const;
+
+    /// The value of a setting until one is set.
+    QVariant initialValue(const QString &name, const QString &collection) const;
+
+    /// Throws a Refusal if what the state has is none that could have been set.
+    QVariant value(const QString &name, const QString &collection = masterCollection()) const;
+
+    /// Takes a value of the setting's type, or a number that can be converted without loss. What
+    /// has been set of the current paper ends when another one is set.
+    void setValue(const QString &name, const QString &collection, const QVariant &value);
+
+    /// Sets all or none.
+    void setValues(const QString &collection, const QVariantMap &values);
+
+    /// Adds one to a number.
+    void increment(const QString &name, const QString &collection);
+
+    /// Has the profile's value again.
+    void reset(const QString &name, const QString &collection);
+
+    /// The master first; the others are those in which something has been set, or that are
+    /// duplicates.
+    QStringList collections() const;
+
+    /// What has been set in a collection; in the master, also what has been set for the device.
+    QStringList namesSetIn(const QString &collection) const;
+
+    /// False, without effect, if the first is unknown or the second exists.
+    bool duplicateCollection(const QString &from, const QString &to);
+
+    /// False, without effect, if it is unknown or the master.
+    bool removeCollection(const QString &collection);
+
+private:
+    /// Why a setting cannot have a value, in words that follow its name; empty if it can.
+    QString objectionTo(const QString &name, const QVariant &value) const;
+
+    const Settings &m_settings;
+    const Profile &m_profile;
+    Store &m_store;
+};
+
+} // namespace simulator
+
+#endif
