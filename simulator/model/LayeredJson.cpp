@@ -4,123 +4,64 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
+#include <QtCore/QRegularExpression>
 
 #include <cmath>
-#include <cstring>
+#include <json/reader.h>
 #include <limits>
+#include <memory>
 
 namespace simulator {
 
 namespace {
 
-QString childPointer(const QString &pointer, QString key)
+/// Null when there is none.
+const Json::Value *memberOf(const Json::Value *value, const QString &key)
 {
-    key.replace(QLatin1Char('~'), QLatin1String("~0"));
-    key.replace(QLatin1Char('/'), QLatin1String("~1"));
-    return pointer + QLatin1Char('/') + key;
+    if (!value || !value->isObject())
+        return nullptr;
+    const std::string name = key.toStdString();
+    return value->find(name.data(), name.data() + name.size());
 }
 
-/// Finds the line of each value in a text that is known to be JSON: QJsonDocument does not say.
-class LineIndex
+/// Null when the path leads nowhere.
+const Json::Value *find(const Json::Value &root, const LayeredJson::Path &path)
 {
-public:
-    LineIndex(const QString &file, const QByteArray &text) : m_file(file), m_text(text)
-    {
-        readValue(QString());
-    }
-
-    const QHash<QString, int> &lines() const { return m_lines; }
-
-private:
-    char next()
-    {
-        for (; m_offset < m_text.size() && std::strchr(" \t\r\n", current()); ++m_offset)
-            m_line += current() == '\n';
-        return m_offset < m_text.size() ? current() : '\0';
-    }
-
-    char current() const { return m_text.at(m_offset); }
-
-    void readValue(const QString &pointer)
-    {
-        const char first = next();
-        if (!m_lines.contains(pointer))
-            m_lines.insert(pointer, m_line);
-        if (first == '{')
-            readMembers(pointer);
-        else if (first == '[')
-            readElements(pointer);
-        else if (first == '"')
-            readString();
-        else
-            while (m_offset < m_text.size() && !std::strchr(",]} \t\r\n", current()))
-                ++m_offset;
-    }
-
-    void readMembers(const QString &pointer)
-    {
-        ++m_offset;
-        while (next() != '}') {
-            const QString key = readString();
-            const QString member = childPointer(pointer, key);
-            if (m_lines.contains(member))
-                throw JsonError(m_file, m_line, QStringLiteral("a second \"%1\"").arg(key));
-            m_lines.insert(member, m_line);
-            next();
-            ++m_offset; // the colon
-            readValue(member);
-            if (next() == ',')
-                ++m_offset;
+    const Json::Value *value = &root;
+    for (const QString &step : path) {
+        if (value && value->isArray()) {
+            const Json::ArrayIndex index = step.toUInt();
+            value = value->isValidIndex(index) ? &(*value)[index] : nullptr;
+        } else {
+            value = memberOf(value, step);
         }
-        ++m_offset;
     }
-
-    void readElements(const QString &pointer)
-    {
-        ++m_offset;
-        for (int i = 0; next() != ']'; ++i) {
-            readValue(childPointer(pointer, QString::number(i)));
-            if (next() == ',')
-                ++m_offset;
-        }
-        ++m_offset;
-    }
-
-    QString readString()
-    {
-        const int begin = m_offset++;
-        for (; current() != '"'; ++m_offset) {
-            if (current() == '\\')
-                ++m_offset;
-        }
-        ++m_offset;
-        const QByteArray array = '[' + m_text.mid(begin, m_offset - begin) + ']';
-        return QJsonDocument::fromJson(array).array().at(0).toString();
-    }
-
-    const QString m_file;
-    const QByteArray m_text;
-    int m_offset = 0;
-    int m_line = 1;
-    QHash<QString, int> m_lines;
-};
+    return value;
+}
 
 /// RFC 7396
-QJsonValue mergePatch(const QJsonValue &target, const QJsonValue &patch)
+void mergePatch(Json::Value &target, const Json::Value &patch)
 {
-    if (!patch.isObject())
-        return patch;
-    QJsonObject merged = target.toObject();
-    const QJsonObject members = patch.toObject();
-    for (auto member = members.begin(); member != members.end(); ++member) {
-        if (member->isNull())
-            merged.remove(member.key());
-        else
-            merged.insert(member.key(), mergePatch(merged.value(member.key()), *member));
+    if (!patch.isObject()) {
+        target = patch;
+        return;
     }
-    return merged;
+    if (!target.isObject())
+        target = Json::objectValue;
+    for (auto member = patch.begin(); member != patch.end(); ++member) {
+        if (member->isNull())
+            target.removeMember(member.name());
+        else
+            mergePatch(target[member.name()], *member);
+    }
+}
+
+/// Of what jsoncpp says about a text, the first line and reason.
+[[noreturn]] void refuse(const QString &file, const std::string &errors)
+{
+    static const QRegularExpression first(QStringLiteral("Line (\\d+), Column \\d+\\s+([^\\n]*)"));
+    const QRegularExpressionMatch match = first.match(QString::fromStdString(errors));
+    throw JsonError(file, match.captured(1).toInt(), match.captured(2));
 }
 
 } // namespace
@@ -136,99 +77,110 @@ JsonError::JsonError(const QString &file, int line, const QString &reason)
 LayeredJson::LayeredJson(const QString &file, const BaseFile &baseFile)
 {
     const QString base = QStringLiteral("base");
-    QVector<QJsonObject> objects{read(file)};
-    while (objects.constLast().contains(base)) {
-        const QJsonValue name = objects.constLast().value(base);
-        const QString pointer = QLatin1Char('/') + base;
-        const Layer layer = m_layers.constLast();
-        if (!name.isString())
-            throw JsonError(layer.file, layer.lines.value(pointer),
-                            QStringLiteral("base: is not a string"));
-        const QString path = baseFile(name.toString(), layer.file);
+    m_layers.append(read(file));
+    while (const Json::Value *name = memberOf(&m_layers.constLast().root, base)) {
+        const Layer &layer = m_layers.constLast();
+        if (!name->isString())
+            layer.refuseBase(QStringLiteral("is not a string"));
+        const QString text = QString::fromStdString(name->asString());
+        const QString path = baseFile(text, layer.file);
         if (!QFile::exists(path))
-            throw JsonError(layer.file, layer.lines.value(pointer),
-                            QStringLiteral("base: there is no \"%1\"").arg(name.toString()));
+            layer.refuseBase(QStringLiteral("there is no \"%1\"").arg(text));
         for (const Layer &other : qAsConst(m_layers)) {
             if (QFileInfo(other.file) == QFileInfo(path))
-                throw JsonError(layer.file, layer.lines.value(pointer),
-                                QStringLiteral("base: %1 is based on itself").arg(path));
+                layer.refuseBase(QStringLiteral("%1 is based on itself").arg(path));
         }
-        objects.append(read(path));
+        m_layers.append(read(path));
     }
-    for (auto layer = objects.crbegin(); layer != objects.crend(); ++layer)
-        m_root = mergePatch(m_root, *layer).toObject();
-    m_root.remove(base);
+    for (auto layer = m_layers.crbegin(); layer != m_layers.crend(); ++layer)
+        mergePatch(m_root, layer->root);
+    m_root.removeMember(base.toStdString());
 }
 
-QJsonObject LayeredJson::read(const QString &file)
+LayeredJson::Layer LayeredJson::read(const QString &file)
 {
     QFile device(file);
     if (!device.open(QFile::ReadOnly))
         throw JsonError(file, 0, device.errorString());
-    QByteArray text = device.readAll();
-    const QByteArray byteOrderMark = QByteArrayLiteral("\xef\xbb\xbf");
-    if (text.startsWith(byteOrderMark))
-        text.remove(0, byteOrderMark.size());
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
-    if (error.error != QJsonParseError::NoError)
-        throw JsonError(file, 1 + text.left(error.offset).count('\n'), error.errorString());
-    if (!document.isObject())
+    Layer layer{file, device.readAll(), {}};
+
+    Json::CharReaderBuilder builder;
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    std::string errors;
+    try {
+        if (!reader->parse(layer.text.cbegin(), layer.text.cend(), &layer.root, &errors))
+            simulator::refuse(file, errors);
+    } catch (const Json::Exception &) {
+        throw JsonError(file, 0, QStringLiteral("is nested too deeply"));
+    }
+    if (!layer.root.isObject())
         throw JsonError(file, 1, QStringLiteral("is not a JSON object"));
-    m_layers.append({file, LineIndex(file, text).lines()});
-    return document.object();
+    return layer;
 }
 
-void LayeredJson::refuse(const QString &pointer, const QString &reason,
-                         const QStringList &contradicted) const
+int LayeredJson::Layer::lineOf(const Json::Value &value) const
 {
-    const QString described = pointer.mid(1).replace(QLatin1String("~1"), QLatin1String("/"));
-    for (QStringList places = QStringList(pointer) + contradicted;;) {
+    return 1 + text.left(int(value.getOffsetStart())).count('\n');
+}
+
+void LayeredJson::Layer::refuseBase(const QString &reason) const
+{
+    throw JsonError(file, lineOf(root["base"]), QStringLiteral("base: ") + reason);
+}
+
+void LayeredJson::refuse(const Path &path, const QString &reason,
+                         const QVector<Path> &contradicted) const
+{
+    const QString described = path.join(QLatin1Char('/'));
+    for (QVector<Path> places = QVector<Path>{path} + contradicted;;) {
         for (const Layer &layer : m_layers) {
-            for (const QString &place : qAsConst(places)) {
-                if (layer.lines.contains(place))
-                    throw JsonError(layer.file, layer.lines.value(place),
+            for (const Path &place : qAsConst(places)) {
+                if (const Json::Value *value = find(layer.root, place))
+                    throw JsonError(layer.file, layer.lineOf(*value),
                                     described.isEmpty() ? reason
                                                         : described + QLatin1String(": ") + reason);
             }
         }
-        const QString missing = places.constFirst();
-        places = QStringList(missing.left(missing.lastIndexOf(QLatin1Char('/'))));
+        places = {places.constFirst().mid(0, places.constFirst().size() - 1)};
     }
 }
 
-JsonNode::JsonNode(const LayeredJson &json) : JsonNode(json, QString(), json.root()) {}
+JsonNode::JsonNode(const LayeredJson &json) : JsonNode(json, {}, &json.root()) {}
 
-JsonNode::JsonNode(const LayeredJson &json, const QString &pointer, const QJsonValue &value)
-    : m_json(&json), m_pointer(pointer), m_value(value)
+JsonNode::JsonNode(const LayeredJson &json, const LayeredJson::Path &path, const Json::Value *value)
+    : m_json(&json), m_path(path), m_value(value)
 {
 }
 
 QStringList JsonNode::keys() const
 {
-    if (!m_value.isObject())
+    if (!isObject())
         refuse(QStringLiteral("is not an object"));
-    return m_value.toObject().keys();
+    QStringList keys;
+    for (const std::string &name : m_value->getMemberNames())
+        keys += QString::fromStdString(name);
+    return keys;
 }
 
 bool JsonNode::has(const QString &key) const
 {
-    return m_value.toObject().contains(key);
+    return memberOf(m_value, key) != nullptr;
 }
 
 JsonNode JsonNode::operator[](const QString &key) const
 {
-    return {*m_json, childPointer(m_pointer, key), m_value.toObject().value(key)};
+    return {*m_json, m_path + QStringList(key), memberOf(m_value, key)};
 }
 
 QVector<JsonNode> JsonNode::elements() const
 {
-    if (!m_value.isArray())
+    if (!isArray())
         refuse(QStringLiteral("is not an array"));
     QVector<JsonNode> nodes;
-    for (const QJsonValue value : m_value.toArray())
+    for (const Json::Value &value : *m_value)
         nodes.append(
-            JsonNode(*m_json, childPointer(m_pointer, QString::number(nodes.size())), value));
+            JsonNode(*m_json, m_path + QStringList(QString::number(nodes.size())), &value));
     return nodes;
 }
 
@@ -244,16 +196,16 @@ void JsonNode::allowOnly(const QStringList &allowed, const QVector<JsonNode> &ex
 
 QString JsonNode::toText() const
 {
-    if (!m_value.isString())
+    if (!m_value || !m_value->isString())
         refuse(QStringLiteral("is not a string"));
-    return m_value.toString();
+    return QString::fromStdString(m_value->asString());
 }
 
 double JsonNode::toNumber() const
 {
-    if (!m_value.isDouble())
+    if (!isNumber())
         refuse(QStringLiteral("is not a number"));
-    return m_value.toDouble();
+    return m_value->asDouble();
 }
 
 int JsonNode::toInteger() const
@@ -267,9 +219,9 @@ int JsonNode::toInteger() const
 
 bool JsonNode::toBool() const
 {
-    if (!m_value.isBool())
+    if (!m_value || !m_value->isBool())
         refuse(QStringLiteral("is neither true nor false"));
-    return m_value.toBool();
+    return m_value->asBool();
 }
 
 QStringList JsonNode::toTexts() const
@@ -282,11 +234,10 @@ QStringList JsonNode::toTexts() const
 
 void JsonNode::refuse(const QString &reason, const QVector<JsonNode> &contradicted) const
 {
-    QStringList pointers;
+    QVector<LayeredJson::Path> paths;
     for (const JsonNode &node : contradicted)
-        pointers += node.m_pointer;
-    m_json->refuse(m_pointer, m_value.isUndefined() ? QStringLiteral("is missing") : reason,
-                   pointers);
+        paths += node.m_path;
+    m_json->refuse(m_path, m_value ? reason : QStringLiteral("is missing"), paths);
 }
 
 } // namespace simulator

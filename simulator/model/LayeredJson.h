@@ -3,13 +3,13 @@
 #ifndef SIMULATOR_MODEL_LAYEREDJSON_H
 #define SIMULATOR_MODEL_LAYEREDJSON_H
 
-#include <QtCore/QHash>
-#include <QtCore/QJsonObject>
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
 #include <functional>
+#include <json/value.h>
 #include <stdexcept>
 
 namespace simulator {
@@ -33,25 +33,32 @@ public:
     LayeredJson(const QString &file, const BaseFile &baseFile);
 
     /// All layers merged, without "base".
-    const QJsonObject &root() const { return m_root; }
+    const Json::Value &root() const { return m_root; }
 
-    /// Throws JsonError for the value that the JSON pointer (RFC 6901) leads to. A value that does
-    /// not exist is reported at the place where it should be; one that contradicts others, at that
-    /// of them which stands in the outermost file, since its base was right without it.
-    [[noreturn]] void refuse(const QString &pointer, const QString &reason,
-                             const QStringList &contradicted = {}) const;
+    /// The names of members and the indexes of elements that lead to a value.
+    using Path = QStringList;
+
+    /// Throws JsonError for a value. One that does not exist is reported at the place where it
+    /// should be; one that contradicts others, at that of them which stands in the outermost file,
+    /// since its base was right without it.
+    [[noreturn]] void refuse(const Path &path, const QString &reason,
+                             const QVector<Path> &contradicted = {}) const;
 
 private:
     struct Layer
     {
         QString file;
-        QHash<QString, int> lines; ///< by JSON pointer
+        QByteArray text;
+        Json::Value root;
+
+        int lineOf(const Json::Value &value) const;
+        [[noreturn]] void refuseBase(const QString &reason) const;
     };
 
-    QJsonObject read(const QString &file);
+    static Layer read(const QString &file);
 
     QVector<Layer> m_layers; ///< the base last
-    QJsonObject m_root;
+    Json::Value m_root;
 };
 
 /// A value in a LayeredJson; what is not as it is asked for is refused with its place.
@@ -69,10 +76,9 @@ public:
     /// Refuses the first member that is not one of these, or that some value excludes.
     void allowOnly(const QStringList &allowed, const QVector<JsonNode> &excluding = {}) const;
 
-    bool isText() const { return m_value.isString(); }
-    bool isNumber() const { return m_value.isDouble(); }
-    bool isObject() const { return m_value.isObject(); }
-    bool isArray() const { return m_value.isArray(); }
+    bool isNumber() const { return m_value && m_value->isNumeric(); }
+    bool isObject() const { return m_value && m_value->isObject(); }
+    bool isArray() const { return m_value && m_value->isArray(); }
     QString toText() const;
     double toNumber() const;
     int toInteger() const;
@@ -84,11 +90,11 @@ public:
                              const QVector<JsonNode> &contradicted = {}) const;
 
 private:
-    JsonNode(const LayeredJson &json, const QString &pointer, const QJsonValue &value);
+    JsonNode(const LayeredJson &json, const LayeredJson::Path &path, const Json::Value *value);
 
     const LayeredJson *m_json;
-    QString m_pointer;
-    QJsonValue m_value;
+    LayeredJson::Path m_path;
+    const Json::Value *m_value; ///< null when there is none
 };
 
 } // namespace simulator

@@ -24,7 +24,7 @@ private Q_SLOTS:
   "answers": {}
 })",
             3, "");
-        row("empty", "", 1, "illegal value");
+        row("empty", "", 1, "value, object or array expected");
         row("no object", R"([])", 1, "is not a JSON object");
         row("unfinished", R"({
 "base": "Arvo",
@@ -33,7 +33,7 @@ private Q_SLOTS:
         row("twice the same", R"({"base": "Arvo",
 "settings": {"TabSize": {"default": 1},
 "TabSize": {"default": 2}}})",
-            3, "a second \"TabSize\"");
+            3, "Duplicate key: 'TabSize'");
         row("unknown member", R"({"base": "Arvo",
 "seetings": {}})",
             2, "seetings: is none of: answers, settings, ");
