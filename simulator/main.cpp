@@ -10,18 +10,31 @@
 #include <stdexcept>
 #include <sys/stat.h>
 
+namespace {
+
+const int usageStatus = 2;
+
+int fail(const std::runtime_error &error, int status)
+{
+    std::fprintf(stderr, "embosser-simulator: %s\n", error.what());
+    return status;
+}
+
+} // namespace
+
 int main(int argc, char *argv[])
 {
     // What is kept in files may be secret.
     umask(S_IRWXG | S_IRWXO);
-    QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("embosser-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
     try {
-        simulator::runSimulation(simulator::optionsFrom(application));
+        simulator::runSimulation(simulator::optionsFrom(QCoreApplication::arguments()));
+    } catch (const simulator::UsageError &error) {
+        return fail(error, usageStatus);
     } catch (const std::runtime_error &error) {
-        std::fprintf(stderr, "embosser-simulator: %s\n", error.what());
-        return EXIT_FAILURE;
+        return fail(error, EXIT_FAILURE);
     }
     return EXIT_SUCCESS;
 }

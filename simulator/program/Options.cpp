@@ -6,7 +6,6 @@
 #include "model/Profile.h"
 
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QCoreApplication>
 
 #include <cstdio>
 
@@ -28,7 +27,7 @@ QString fileOfModel(const QString &model)
 
 } // namespace
 
-Options optionsFrom(const QCoreApplication &application)
+Options optionsFrom(const QStringList &arguments)
 {
     const QCommandLineOption model(
         QStringLiteral("model"),
@@ -61,7 +60,9 @@ Options optionsFrom(const QCoreApplication &application)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({model, listModels, profile, state, usb, fault});
-    parser.process(application);
+    if (!parser.parse(arguments))
+        throw UsageError(parser.errorText().toStdString());
+    parser.process(arguments);
 
     if (!parser.positionalArguments().isEmpty())
         throw UsageError(QStringLiteral("unexpected argument \"%1\"; see --help")

@@ -8,8 +8,6 @@
 
 #include <stdexcept>
 
-class QCoreApplication;
-
 namespace simulator {
 
 /// The command line cannot be carried out; what() says why.
@@ -28,9 +26,9 @@ struct Options
     QStringList faults;   ///< as Faults::inject() takes them
 };
 
-/// Reads the application's command line. Answers --help, --version and --list-models itself, and
-/// ends the process. Throws UsageError.
-Options optionsFrom(const QCoreApplication &application);
+/// Reads a command line, which begins with the program. Answers --help, --version and --list-models
+/// itself, and ends the process. Throws UsageError.
+Options optionsFrom(const QStringList &arguments);
 
 } // namespace simulator
 

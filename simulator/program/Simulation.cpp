@@ -60,7 +60,7 @@ void runSimulation(const Options &options)
         try {
             faults.inject(fault);
         } catch (const Refusal &refusal) {
-            end(QStringLiteral("--fault: ") + refusal.message);
+            throw UsageError((QStringLiteral("--fault: ") + refusal.message).toStdString());
         }
     }
 

@@ -40,8 +40,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("said");
-        const auto row = [](const char *name, const QStringList &arguments, const char *said) {
-            QTest::newRow(name) << arguments << QString::fromLatin1(said);
+        QTest::addColumn<int>("status");
+        const auto row = [](const char *name, const QStringList &arguments, const char *said,
+                            int status = 2) {
+            QTest::newRow(name) << arguments << QString::fromLatin1(said) << status;
         };
         row("unknown option", {QStringLiteral("--modle")}, "Unknown option 'modle'.");
         row("unexpected argument", {QStringLiteral("Arvo")}, "unexpected argument \"Arvo\"");
@@ -58,9 +60,9 @@ private Q_SLOTS:
             "--state needs the name of a file");
         row("medium of no name", {QStringLiteral("--usb=")}, "--usb needs the name of a directory");
         row("no such profile", {QStringLiteral("--profile=/nonexistent.json")},
-            "/nonexistent.json: No such file or directory");
+            "/nonexistent.json: No such file or directory", 1);
         row("state in no folder", {QStringLiteral("--state=/nonexistent/state")},
-            "/nonexistent/state: No such file or directory");
+            "/nonexistent/state: No such file or directory", 1);
         row("unknown fault", {QStringLiteral("--fault=slow:getModel")},
             "--fault: there is no fault \"slow\"; there are: error, ");
         row("fault of no method", {QStringLiteral("--fault=error")},
@@ -79,9 +81,12 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, said);
+        QFETCH(int, status);
         const Ended ended = runSimulator(arguments);
-        QCOMPARE(ended.exitCode, 1);
-        QVERIFY2(ended.errors.contains(said), qPrintable(ended.errors));
+        QCOMPARE(ended.exitCode, status);
+        QVERIFY2(ended.errors.startsWith(QLatin1String("embosser-simulator: ") + said),
+                 qPrintable(ended.errors));
+        QCOMPARE(ended.errors.count(QLatin1Char('\n')), 1);
         QCOMPARE(ended.output, QString());
     }
 
