@@ -38,6 +38,8 @@ struct Option
     QString valueName;
     QString description;
     bool isRepeatable = false;
+    /// A letter that stands for the name after a single dash, if it is not null.
+    QChar shortName = {};
 };
 
 /// What a command is given.

@@ -2,13 +2,9 @@
 
 #include "commandline/CommandLine.h"
 
+#include "commandline/Arguments.h"
 #include "common/Failure.h"
 #include "common/Suggestion.h"
-
-#include <QtCore/QCommandLineParser>
-#include <QtCore/QRegularExpression>
-
-#include <algorithm>
 
 namespace tool {
 
@@ -22,35 +18,9 @@ const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
 const QString generateOption = QStringLiteral("generate");
 
-// Stands for the minus of a negative number, which QCommandLineParser would take for an option.
-const QChar minusMark(0xE000);
-
 [[noreturn]] void throwUsage(const QString &message)
 {
     throw Failure(ExitStatus::Usage, message);
-}
-
-QString markMinus(QString argument)
-{
-    static const QRegularExpression negativeNumber(QStringLiteral("^-[0-9.]"));
-    if (negativeNumber.match(argument).hasMatch())
-        argument[0] = minusMark;
-    return argument;
-}
-
-QStringList unmarkMinus(QStringList arguments)
-{
-    for (QString &argument : arguments) {
-        if (argument.startsWith(minusMark))
-            argument[0] = QLatin1Char('-');
-    }
-    return arguments;
-}
-
-QStringList namesOf(const Option &option)
-{
-    return option.name == helpOption ? QStringList{QStringLiteral("h"), option.name}
-                                     : QStringList{option.name};
 }
 
 QStringList namesOf(const QVector<Option> &options)
@@ -72,17 +42,12 @@ const Command &commandNamed(const QString &name, const QVector<Command> &command
     throwUsage(QStringLiteral("there is no command '%1'%2").arg(name, didYouMean(name, names)));
 }
 
-QString dashed(const QString &option)
-{
-    return (option.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + option;
-}
-
 void checkOptions(const QStringList &given, const Command &command)
 {
     const QStringList known = namesOf(commonOptions() + command.options);
     for (const QString &name : given) {
         if (!known.contains(name)) {
-            throwUsage(QStringLiteral("%1 has no option '%2'").arg(command.name, dashed(name)));
+            throwUsage(QStringLiteral("%1 has no option '--%2'").arg(command.name, name));
         }
     }
 }
@@ -98,21 +63,11 @@ void checkArguments(const QStringList &given, const Command &command)
         throwUsage(QStringLiteral("an argument is empty; usage: %1").arg(synopsis(command)));
 }
 
-void parse(QCommandLineParser *parser, const QStringList &arguments, const QVector<Option> &options)
+/// What the build needs, and no user.
+const QVector<Option> &hiddenOptions()
 {
-    for (const Option &option : options)
-        parser->addOption({namesOf(option), option.description, option.valueName});
-    parser->addOption({generateOption, QString(), QStringLiteral("KIND")});
-
-    if (parser->parse(arguments))
-        return;
-    if (parser->unknownOptionNames().isEmpty())
-        throwUsage(parser->errorText());
-    const QString unknown = dashed(parser->unknownOptionNames().constFirst());
-    QStringList known = namesOf(options);
-    std::transform(known.begin(), known.end(), known.begin(), dashed);
-    throwUsage(
-        QStringLiteral("there is no option '%1'%2").arg(unknown, didYouMean(unknown, known)));
+    static const QVector<Option> options{{generateOption, QStringLiteral("KIND"), {}}};
+    return options;
 }
 
 } // namespace
@@ -125,7 +80,11 @@ const QVector<Option> &commonOptions()
         {jsonOption, {}, QStringLiteral("print the result as JSON")},
         {quietOption, {}, QStringLiteral("print only results and errors")},
         {noColorOption, {}, QStringLiteral("do not colour the output")},
-        {helpOption, {}, QStringLiteral("print this help, or that of the command")},
+        {helpOption,
+         {},
+         QStringLiteral("print this help, or that of the command"),
+         false,
+         QLatin1Char('h')},
         {versionOption, {}, QStringLiteral("print the version")},
     };
     return options;
@@ -139,36 +98,31 @@ QVector<Option> allOptions(const QVector<Command> &commands)
     return options;
 }
 
-CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands)
+CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &commands)
 {
-    QStringList marked;
-    std::transform(arguments.begin(), arguments.end(), std::back_inserter(marked), markMinus);
-    QCommandLineParser parser;
-    parse(&parser, marked, allOptions(commands));
-
+    const Arguments given = parseArguments(all.mid(1), allOptions(commands) + hiddenOptions());
     CommandLine line;
-    line.help = parser.isSet(helpOption);
-    line.version = parser.isSet(versionOption);
-    line.generate = parser.value(generateOption);
-    line.output.json = parser.isSet(jsonOption);
-    line.output.quiet = parser.isSet(quietOption);
-    line.output.color = !parser.isSet(noColorOption);
-    for (const QString &name : parser.optionNames())
-        line.options.insert(name, unmarkMinus(parser.values(name)));
-    if (parser.isSet(collectionOption))
-        line.collection = line.options.value(collectionOption).last();
+    line.help = given.options.contains(helpOption);
+    line.version = given.options.contains(versionOption);
+    if (given.options.contains(generateOption))
+        line.generate = given.options.value(generateOption).last();
+    line.output.json = given.options.contains(jsonOption);
+    line.output.quiet = given.options.contains(quietOption);
+    line.output.color = !given.options.contains(noColorOption);
+    if (given.options.contains(collectionOption))
+        line.collection = given.options.value(collectionOption).last();
+    line.options = given.options;
+    line.arguments = given.positional;
 
-    QStringList given = unmarkMinus(parser.positionalArguments());
     const bool runsNothing = line.help || line.version || !line.generate.isEmpty();
-    if (given.isEmpty() && runsNothing)
+    if (line.arguments.isEmpty() && runsNothing)
         return line;
-    if (given.isEmpty())
+    if (line.arguments.isEmpty())
         throwUsage(QStringLiteral("no command given"));
-    line.command = &commandNamed(given.takeFirst(), commands);
-    line.arguments = given;
+    line.command = &commandNamed(line.arguments.takeFirst(), commands);
     if (runsNothing)
         return line;
-    checkOptions(parser.optionNames(), *line.command);
+    checkOptions(given.optionNames, *line.command);
     checkArguments(line.arguments, *line.command);
     return line;
 }

@@ -36,8 +36,9 @@ struct CommandLine
     OutputOptions output;
 };
 
-/// Throws a Failure that says what is wrong and what may have been meant.
-CommandLine parseCommandLine(const QStringList &arguments, const QVector<Command> &commands);
+/// From all arguments, the name of the program first. Throws a Failure that says what is wrong and
+/// what may have been meant.
+CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &commands);
 
 } // namespace tool
 

@@ -8,7 +8,7 @@ namespace tool {
 
 std::optional<QString> textFromUtf8(const QByteArray &bytes)
 {
-    QTextCodec::ConverterState state;
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     const QString text =
         QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
     const bool isUtf8 = state.invalidChars == 0 && state.remainingChars == 0;

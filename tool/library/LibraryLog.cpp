@@ -2,6 +2,8 @@
 
 #include "library/LibraryLog.h"
 
+#include "common/Quoting.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QLoggingCategory>
 
@@ -21,43 +23,6 @@ void keepCriticalLines(QLoggingCategory *category)
 {
     previousFilter(category);
     category->setEnabled(QtCriticalMsg, true);
-}
-
-/// The character that QDebug names by a letter, or else the one that it has put a backslash before.
-QChar escapedCharacter(QChar name)
-{
-    const QString names = QStringLiteral("bfnrt");
-    const QString characters = QStringLiteral("\b\f\n\r\t");
-    const int index = names.indexOf(name);
-    return index < 0 ? name : characters[index];
-}
-
-/// Takes back the quotes and escapes with which QDebug prints a QString: "\n", "\u0001" and, above
-/// U+FFFF, "\U000E0001".
-QString unquoted(const QString &text)
-{
-    QString result;
-    for (int i = 1; i < text.size() - 1; ++i) {
-        if (text[i] != QLatin1Char('\\')) {
-            result += text[i];
-            continue;
-        }
-        const QChar escape = text[++i];
-        if (escape.toLower() != QLatin1Char('u')) {
-            result += escapedCharacter(escape);
-            continue;
-        }
-        const int digits = escape.isLower() ? 4 : 8;
-        const uint character = text.midRef(i + 1, digits).toUInt(nullptr, 16);
-        if (QChar::requiresSurrogates(character)) {
-            result += QChar(QChar::highSurrogate(character));
-            result += QChar(QChar::lowSurrogate(character));
-        } else {
-            result += QChar(character);
-        }
-        i += digits;
-    }
-    return result;
 }
 
 } // namespace

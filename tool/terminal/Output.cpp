@@ -3,6 +3,8 @@
 #include "terminal/Output.h"
 
 #include "common/JsonText.h"
+#include "common/Quoting.h"
+#include "terminal/Columns.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -33,23 +35,11 @@ void writeLine(FILE *file, const QString &line)
     write(file, line + QLatin1Char('\n'));
 }
 
-/// The text with escapes for what would move the cursor, break a row, or make the terminal do
-/// worse, and for the backslash, which would look like one of them.
-QString printable(const QString &text)
+QStringList printableCells(const QStringList &cells)
 {
-    QString result;
-    for (const QChar character : text) {
-        if (character == QLatin1Char('\n'))
-            result += QStringLiteral("\\n");
-        else if (character == QLatin1Char('\t'))
-            result += QStringLiteral("\\t");
-        else if (character == QLatin1Char('\\'))
-            result += QStringLiteral("\\\\");
-        else if (character.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
+    QStringList result;
+    for (const QString &cell : cells)
+        result.append(printable(cell));
     return result;
 }
 
@@ -145,10 +135,9 @@ void Output::row(const QStringList &cells, const QVector<int> &widths,
     QString line;
     for (int i = 0; i < cells.size(); ++i) {
         const bool isLast = i == cells.size() - 1;
-        const QString cell = printable(cells[i]);
-        line += styled(cell, i == 0 ? firstStyle : QString());
+        line += styled(cells[i], i == 0 ? firstStyle : QString());
         if (!isLast && m_isTerminal)
-            line += QString(widths[i] - cell.size() + 2, QLatin1Char(' '));
+            line += padded(QString(), widths[i] - displayWidth(cells[i]) + 2);
         else if (!isLast)
             line += QLatin1Char('\t');
     }
@@ -157,16 +146,14 @@ void Output::row(const QStringList &cells, const QVector<int> &widths,
 
 void Output::table(const QVector<QStringList> &rows, const QStringList &header) const
 {
-    QVector<int> widths;
-    for (const QStringList &cells : QVector<QStringList>{header} + rows) {
-        widths.resize(std::max(widths.size(), cells.size()));
-        for (int i = 0; i < cells.size(); ++i)
-            widths[i] = std::max(widths[i], printable(cells[i]).size());
-    }
+    QVector<QStringList> shown;
+    for (const QStringList &cells : QVector<QStringList>{header} + rows)
+        shown.append(printableCells(cells));
+    const QVector<int> widths = columnWidths(shown);
     if (!header.isEmpty())
-        row(header, widths, headingStyle);
-    for (const QStringList &cells : rows)
-        row(cells, widths, rowStyle);
+        row(shown.first(), widths, headingStyle);
+    for (int i = 1; i < shown.size(); ++i)
+        row(shown[i], widths, rowStyle);
 }
 
 void Output::value(const QJsonValue &value) const
