@@ -5,55 +5,18 @@
 #include "library/Session.h"
 #include "terminal/Output.h"
 
+#include <support/TerminationSignals.h>
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtCore/QJsonObject>
-#include <QtCore/QSocketNotifier>
 #include <QtDBus/QDBusConnection>
-
-#include <csignal>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace tool {
 
 using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
-
-/// Ends the event loop, in place of the process, on Ctrl-C and on the wish to terminate.
-///
-/// Make it before the first thread, which inherits that the signals are blocked.
-class QuitOnSignal
-{
-public:
-    QuitOnSignal() : m_file(blockedSignals()), m_notifier(m_file, QSocketNotifier::Read)
-    {
-        QObject::connect(&m_notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
-    }
-
-    ~QuitOnSignal() { close(m_file); }
-    Q_DISABLE_COPY(QuitOnSignal)
-
-private:
-    static int blockedSignals()
-    {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        sigprocmask(SIG_BLOCK, &signals, nullptr);
-        const int file = signalfd(-1, &signals, SFD_CLOEXEC);
-        if (file == -1) {
-            throw Failure(ExitStatus::Failed,
-                          QStringLiteral("signals cannot be received: %1").arg(qt_error_string()));
-        }
-        return file;
-    }
-
-    int m_file;
-    QSocketNotifier m_notifier;
-};
 
 void printState(Output &output, bool isConnected)
 {
@@ -73,7 +36,7 @@ void printState(Output &output, bool isConnected)
 
 ExitStatus runMonitor(const Request &request)
 {
-    const QuitOnSignal quitOnSignal;
+    const support::TerminationSignals termination;
     Session session(request.collection);
     session.requireBus();
     // Without the bus, nothing would ever come any more.
