@@ -11,21 +11,22 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(PROJECT / "interface"))
+sys.path.insert(0, str(PROJECT / "generator"))
 
 import operations
 
 HEADER = "include/libconfigurationmanager/ConfigurationManager.h"
-FACADE = "src/ConfigurationManager.cpp"
+FACADE = "src/ConfigurationManager_operations.cpp"
 PRIVATE_HEADER = "src/ConfigurationManager_p.h"
 PRIVATE = "src/ConfigurationManager_p.cpp"
+SLOTS = "src/Slot.h"
 XML = "interface/com.tavelornbraille.ConfigurationManager.xml"
-OUTPUTS = (HEADER, FACADE, PRIVATE_HEADER, PRIVATE, XML)
+OUTPUTS = (HEADER, PRIVATE_HEADER, FACADE, PRIVATE, SLOTS, XML)
 TABLE = "interface/operations.table"
 
 
 def generate(project, *arguments):
-    return subprocess.run([sys.executable, "-B", project / "interface/generate.py", *arguments],
+    return subprocess.run([sys.executable, "-B", project / "generator/generate.py", *arguments],
                           capture_output=True, text=True, check=False)
 
 
@@ -36,7 +37,7 @@ class Copy(unittest.TestCase):
         directory = tempfile.TemporaryDirectory()
         self.addCleanup(directory.cleanup)
         self.project = pathlib.Path(directory.name)
-        for folder in ("include", "interface", "src"):
+        for folder in ("generator", "include", "interface", "src"):
             shutil.copytree(PROJECT / folder, self.project / folder)
 
     def read(self, path):
@@ -69,11 +70,11 @@ class CheckedInFiles(Copy):
                 self.assertEqual(self.outputs(), good)
 
     def test_are_left_alone_when_a_marker_is_missing(self):
-        self.write(FACADE, self.read(FACADE).replace("// END generated\n", ""))
+        self.write(HEADER, self.read(HEADER).replace("// END generated\n", ""))
         before = self.outputs()
         written = generate(self.project)
         self.assertEqual(written.returncode, 1)
-        self.assertIn(f"{FACADE}: the lines", written.stderr)
+        self.assertIn(f"{HEADER}: the lines", written.stderr)
         self.assertEqual(self.outputs(), before)
 
     def test_are_left_alone_when_the_table_is_wrong(self):
@@ -83,82 +84,156 @@ class CheckedInFiles(Copy):
         written = generate(self.project)
         self.assertEqual(written.returncode, 1)
         self.assertEqual(written.stderr,
-                         f"{self.project / TABLE}:{line}: 1 fields instead of 6\n")
+                         f"{self.project / TABLE}:{line}: 1 fields instead of 7\n")
         self.assertEqual(self.outputs(), before)
 
 
-GOOD_ROW = "int getLevel() | both | = | @ | Not connected. | the level"
+def unknown_call(arguments, parameters):
+    return (f"services know no call with ({arguments}) for ({parameters}); "
+            "the head of the table lists what they know")
+
+
+GOOD_ROW = "int getLevel() | both | = | @ | Not connected. | = | the level"
 
 # What is wrong: the rows below a family and GOOD_ROW, in whose last line it is, and the reason.
 BAD_ROWS = {
     "a field too few":
-        ("int getX() | both | = | @ | Not connected.",
-         "5 fields instead of 6"),
+        ("int getX() | both | = | @ | Not connected. | -",
+         "6 fields instead of 7"),
     "a field too many":
-        ("int getX() | both | = | @ | Not connected. | the x | more",
-         "7 fields instead of 6"),
+        ("int getX() | both | = | @ | Not connected. | - | the x | more",
+         "8 fields instead of 7"),
     "no declaration":
-        ("getX() | both | = | @ | Not connected. | the x",
+        ("getX() | both | = | @ | Not connected. | - | the x",
          "not a declaration: 'getX()'"),
     "an unknown result type":
-        ("long getX() | both | = | @ | Not connected. | the x",
+        ("long getX() | both | = | @ | Not connected. | - | the x",
          "unknown result type 'long'"),
     "an unknown parameter type":
-        ("void setX(float value) | both | = | value, @ | Not connected. | the x",
+        ("void setX(float value) | both | = | value, @ | Not connected. | - | the x",
          "unknown parameter type 'float'"),
     "a parameter without a name":
-        ("void setX(int) | both | = | value, @ | Not connected. | the x",
+        ("void setX(int) | both | = | value, @ | Not connected. | - | the x",
          "not a parameter: 'int'"),
     "a default that is not last":
-        ("void setX(int value = 1, bool flag) | none | = | value, @, flag | Not connected. | the x",
+        ("void setX(int value = 1, int y) | none | = | value, other | Not connected. | - | the x",
          "only the last parameter may have a default"),
     "an unknown const word":
-        ("int getX() | public | = | @ | Not connected. | the x",
+        ("int getX() | public | = | @ | Not connected. | - | the x",
          "const is both, private, none; not 'public'"),
     "no remote method":
-        ("int getX() | both | | @ | Not connected. | the x",
+        ("int getX() | both | | @ | Not connected. | - | the x",
          "not a remote method: ''"),
     "an impossible remote method":
-        ("int getX() | both | get-x | @ | Not connected. | the x",
+        ("int getX() | both | get-x | @ | Not connected. | - | the x",
          "not a remote method: 'get-x'"),
-    "an unknown remote argument":
-        ("void setX(int value) | both | = | valeu, @ | Not connected. | the x",
-         "remote argument 'valeu' is no parameter"),
+    "a remote method that is not ASCII":
+        ("int getX() | both | getÄ | @ | Not connected. | - | the x",
+         "not a remote method: 'getÄ'"),
+    "an unknown role":
+        ("void setX(int value) | both | = | valeu, @ | Not connected. | - | the x",
+         "a role is value, flag, key, setting, paper, other or @; not 'valeu'"),
     "no remote argument":
-        ("int getX() | both | = | | Not connected. | the x",
-         "remote argument '' is no parameter"),
+        ("int getX() | both | = | | Not connected. | - | the x",
+         "a role is value, flag, key, setting, paper, other or @; not ''"),
+    "a parameter without a role":
+        ("void setX(int value, int y) | both | = | value, @ | Not connected. | - | the x",
+         "(value, @) is not one role for each of (int value, int y)"),
+    "a role without a parameter":
+        ("void setX(int value) | both | = | value, key, @ | Not connected. | - | the x",
+         "(value, key, @) is not one role for each of (int value)"),
     "the collection id before the value":
-        ("void setX(int value) | both | = | @, value | Not connected. | the x",
-         "services know no call with (@, value) for (int value)"),
+        ("void setX(int value) | both | = | @, value | Not connected. | - | the x",
+         unknown_call("@, value", "int value")),
     "the collection id twice":
-        ("int getX() | both | = | @, @ | Not connected. | the x",
-         "services know no call with (@, @) for ()"),
-    "a flag that is not sent":
-        ("void setX(int value, bool flag = false) | none | = | value, @ | Not connected. | the x",
-         "services know no call with (value, @) for (int value, bool flag = false)"),
-    "the collection id sent beside several parameters":
-        ("int getX(double a, int b) | both | = | a, b, @ | Not connected. | the x",
-         "services know no call with (a, b, @) for (double a, int b)"),
+        ("int getX() | both | = | @, @ | Not connected. | - | the x",
+         "(@, @) is not one role for each of ()"),
+    "the collection id after a flag":
+        ("void setX(int value, bool flag = false) | none | = | value, flag, @ | Not connected. | - | x",
+         unknown_call("value, flag, @", "int value, bool flag = false")),
+    "the collection id after a bool":
+        ("void setX(bool value) | both | = | value, @ | Not connected. | - | the x",
+         unknown_call("value, @", "bool value")),
+    "the collection id after a map":
+        ("void setX(QVariantMap value) | both | = | value, @ | Not connected. | - | the x",
+         unknown_call("value, @", "QVariantMap value")),
+    "the collection id after two parameters of other types":
+        ("int getX(double a, int b) | both | = | other, other, @ | Not connected. | - | the x",
+         unknown_call("other, other, @", "double a, int b")),
+    "a flag without the collection id":
+        ("void setX(int value, bool flag = false) | none | = | value, flag | Not connected. | - | x",
+         unknown_call("value, flag", "int value, bool flag = false")),
+    "a flag that is no bool":
+        ("void setX(int value, int flag) | none | = | value, @, flag | Not connected. | - | the x",
+         "the default of a flag is false"),
+    "a flag that is an int with a bool's default":
+        ("void setX(int value, int flag = false) | none | = | value, @, flag | Not connected. | - | x",
+         "'false' is no default for 'int'"),
+    "a flag with another default":
+        ("void setX(int v, bool flag = true) | none | = | value, @, flag | Not connected. | - | x",
+         "the default of a flag is false"),
+    "a flag without a default":
+        ("void setX(int value, bool flag) | none | = | value, @, flag | Not connected. | - | the x",
+         "the default of a flag is false"),
+    "a flag beside a map":
+        ("void setX(QVariantMap v, bool f = false) | none | = | value, @, flag | Not connected. | - | x",
+         unknown_call("value, @, flag", "QVariantMap v, bool f = false")),
+    "a key that is no text":
+        ("bool setX(int k, int v, bool f = false) | none | = | key, value, @, flag | Not connected. "
+         "| - | x",
+         unknown_call("key, value, @, flag", "int k, int v, bool f = false")),
+    "a double behind a key":
+        ("bool setX(const QString &k, double v, bool f = false) | none | = | key, value, @, flag | "
+         "Not connected. | - | x",
+         unknown_call("key, value, @, flag", "const QString &k, double v, bool f = false")),
+    "a default that is a text":
+        ("void setX(const QString &v = none) | none | = | value | Not connected. | - | the x",
+         "'none' is no default for 'const QString &'"),
+    "a default that is a call":
+        ("void setX(int v = now()) | none | = | value | Not connected. | - | the x",
+         "'now()' is no default for 'int'"),
+    "a default of another type":
+        ("void setX(bool v = 0) | none | = | value | Not connected. | - | the x",
+         "'0' is no default for 'bool'"),
+    "an enumeration that is none":
+        ("int getX(int row) | both | = | other Row | Not connected. | - | the x",
+         "not an enumeration: 'Row'"),
+    "an enumeration for a text":
+        ("int getX(const QString &row) | both | = | other lcm::Row | Not connected. | - | the x",
+         "only an int is a value of an enumeration, not 'const QString &row'"),
+    "a setting that is no name":
+        ("int getX() | both | = | @ | Not connected. | my x | the x",
+         "not a setting: 'my x'"),
+    "a setting named after no getter or setter":
+        ("bool isX() | both | = | @ | Not connected. | = | the x",
+         "= names no setting for 'isX'"),
+    "an unknown fact of a setting":
+        ("int getX() | both | = | @ | Not connected. | = hidden | the x",
+         "not an enumeration: 'hidden'"),
+    "a fact of a setting again":
+        ("void setY(int value) | both | = | value | Not connected. | = secret | the y\n"
+         "int getY() | both | = | - | Not connected. | = secret | =",
+         "another row says already what holds for Y"),
     "an unknown not-connected text":
-        ("int getX() | both | = | @ | Not connected | the x",
+        ("int getX() | both | = | @ | Not connected | - | the x",
          "not-connected text 'Not connected'"),
     "no meaning":
-        ("int getX() | both | = | @ | Not connected. | ",
+        ("int getX() | both | = | @ | Not connected. | - | ",
          "no meaning"),
     "a meaning taken from nobody":
-        ("int getX() | both | = | @ | Not connected. | =",
+        ("int getX() | both | = | @ | Not connected. | - | =",
          "no counterpart gives getX a meaning"),
     "a meaning taken from another family":
-        ("[Other]\nvoid setLevel(int value) | both | = | value, @ | Not connected. | =",
+        ("[Other]\nvoid setLevel(int value) | both | = | value, @ | Not connected. | - | =",
          "no counterpart gives setLevel a meaning"),
     "a meaning taken without being a getter or a setter":
-        ("bool isX() | both | = | @ | Not connected. | =",
+        ("bool isX() | both | = | @ | Not connected. | - | =",
          "no counterpart gives isX a meaning"),
     "the same operation again":
-        ("int getLevel() | both | getX | @ | Not connected. | the x",
+        ("int getLevel() | both | getX | @ | Not connected. | - | the x",
          "operation getLevel() stands already in line 2"),
     "the same remote method again":
-        ("int getX() | both | getLevel | @ | Not connected. | the x",
+        ("int getX() | both | getLevel | @ | Not connected. | - | the x",
          "remote method getLevel stands already in line 2"),
     "a parameter's meaning with a bar":
         ("(parameters)\nvalue | the new | value",
@@ -195,58 +270,63 @@ class TheLoader(unittest.TestCase):
 
     def test_knows_overloads_by_their_parameters(self):
         overload = "int getLevel(const QString &paper) | both | getLevelForPaper | paper | " \
-                   "Not Connected. | the level for a paper"
+                   "Not Connected. | - | the level for a paper"
         table = self.load(f"[Family]\n{GOOD_ROW}\n{overload}")
         self.assertEqual([o.key for o in table.operations], ["getLevel()", "getLevel(QString)"])
 
     def test_gives_a_pair_its_one_meaning(self):
-        setter = "void setLevel(int value) | both | = | value, @ | Not connected. | ="
+        setter = "void setLevel(int value) | both | = | value, @ | Not connected. | = | ="
         table = self.load(f"[Family]\n{setter}\n{GOOD_ROW}")
         self.assertEqual([o.sentence for o in table.operations],
                          ["Sets the level.", "Returns the level."])
 
 
 class AnAddedRow(Copy):
-    # One that fills no line of the C++ files, so that the expectation does not depend on wrapping.
-    ROW = ("double scaleFor(const QString &paper, bool exact = true) | private | scaleForPaper | "
-           "paper, exact | Not Connected. | Returns the scale & size for a paper.\n")
+    ROW = ("bool setScale(const QString &unit, int scale, bool keep = false) | private | setScaleOf | "
+           "key, value, @, flag | Not Connected. | = secret lcm::Duplex | the scale & size\n")
 
     ADDED = {
         HEADER: """
-    /// Returns the scale & size for a paper.
+    /// Sets the scale & size, in the numbers of lcm::Duplex.
     ///
-    /// \\param paper QString: the service's own name of the paper format
-    /// \\param exact bool: passed on unchanged
-    /// \\return double; 0.0 on failure
+    /// \\param unit QString: passed on unchanged
+    /// \\param scale int: passed on unchanged
+    /// \\param keep bool: passed on unchanged
+    /// \\return bool; false on failure
     /// \\par Remote method
-    /// scaleForPaper(paper, exact), sb
-    /// \\par On failure
-    /// logs "Not Connected." or the message of the error
-    double scaleFor(const QString &paper, bool exact = true);
+    /// setScaleOf(unit, scale, collection id, keep), sisb; "Not Connected." without the service
+    bool setScale(const QString &unit, int scale, bool keep = false);
 """,
-        FACADE: """
-double ConfigurationManager::scaleFor(const QString &paper, bool exact)
-{
-    return d->scaleFor(paper, exact);
-}
+        FACADE: """\
+bool ConfigurationManager::setScale(const QString &unit, int scale, bool keep) { return d->setScale(unit, scale, keep); }
 """,
         PRIVATE_HEADER: """\
-    double scaleFor(const QString &paper, bool exact = true) const;
+    bool setScale(const QString &unit, int scale, bool keep = false) const;
 """,
-        PRIVATE: """
-double ConfigurationManagerPrivate::scaleFor(const QString &paper, bool exact) const
-{
-    return call<double>({"scaleForPaper", "Not Connected.", Q_FUNC_INFO, __LINE__}, paper, exact);
-}
+        PRIVATE: """\
+    case Slot::setScaleOf:
+        return "setScaleOf";
+bool ConfigurationManagerPrivate::setScale(const QString &unit, int scale, bool keep) const { return call<bool, const QString &, int, bool>({Slot::setScaleOf, __LINE__, IsConst | SendsCollectionId | EndsInFlag | SaysNotConnectedWithCapital}, unit, scale, keep); }
+""",
+        SLOTS: """\
+    setScaleOf,
+    setScaleOfWithDefault,
 """,
         XML: """\
-    <method name="scaleForPaper">
-      <annotation name="org.gtk.GDBus.DocString" value="Returns the scale &amp; size for a paper."/>
+    <method name="setScaleOf">
+      <annotation name="org.gtk.GDBus.DocString" value="Sets the scale &amp; size, in the numbers of lcm::Duplex."/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Family" value="Service commands"/>
-      <annotation name="com.tavelornbraille.ConfigurationManager.Operation" value="scaleFor(QString, bool)"/>
-      <arg name="paper" type="s" direction="in"/>
-      <arg name="exact" type="b" direction="in"/>
-      <arg name="result" type="d" direction="out"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Operation" value="setScale(QString, int, bool)"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Meaning" value="the scale &amp; size, in the numbers of lcm::Duplex"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Roles" value="key value collectionId flag"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Writes" value="Scale"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Secret" value="true"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Enumeration.In1" value="Duplex"/>
+      <arg name="unit" type="s" direction="in"/>
+      <arg name="scale" type="i" direction="in"/>
+      <arg name="collectionId" type="s" direction="in"/>
+      <arg name="keep" type="b" direction="in"/>
+      <arg name="result" type="b" direction="out"/>
     </method>
 """,
     }
@@ -259,6 +339,30 @@ double ConfigurationManagerPrivate::scaleFor(const QString &paper, bool exact) c
         for path, after in self.outputs().items():
             with self.subTest(path):
                 self.assertEqual(added(before[path], after), self.ADDED[path].strip("\n"))
+
+
+class ARewordedRow(Copy):
+    """What is only for people changes nothing that a program reads."""
+
+    def test_changes_documentation_only(self):
+        before = self.outputs()
+        row = next(l for l in self.read(TABLE).splitlines() if l.startswith("void setArchitecture("))
+        self.write(TABLE, self.read(TABLE).replace(
+            row, row.replace("&value", "&level").replace("the architecture", "the lcm::Duplex set")))
+        generate(self.project)
+        after = self.outputs()
+        for path in (PRIVATE, FACADE, PRIVATE_HEADER):
+            after[path] = after[path].replace("level", "value")
+        self.assertEqual([path for path in OUTPUTS if after[path] != before[path]], [HEADER, XML])
+        self.assertEqual(facts(after[XML]), facts(before[XML]))
+
+
+def facts(xml):
+    """What programs read: everything but argument names, sentences and meanings."""
+    return [(m.get("name"), [a.get("type") for a in m.findall("arg")],
+             [(a.get("name"), a.get("value")) for a in m.findall("annotation")
+              if not a.get("name").endswith(("DocString", "Meaning"))])
+            for m in ElementTree.fromstring(xml).iter("method")]
 
 
 def added(before, after):
