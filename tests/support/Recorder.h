@@ -15,6 +15,9 @@ class Recorder : public QDBusVirtualObject
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "tests.RecordingService")
 public:
+    /// Joins the bus as the configuration service; returns whether that succeeds.
+    bool join();
+
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
@@ -25,12 +28,15 @@ public Q_SLOTS:
     void leaveTheBus();
 
 private:
+    void rejoin();
     void give(const Answer &answer, const QDBusMessage &call, const QDBusConnection &connection);
 
     QVector<RecordedCall> m_calls;
     QHash<QString, Answer> m_answers;
     int m_inFlight = 0;
     int m_mostInFlight = 0;
+    int m_connections = 0;
+    QString m_connection;
 };
 
 #endif

@@ -29,7 +29,8 @@ struct Answer
         Reply,
         Error,
         Silence,
-        Exit
+        Exit,
+        Reconnect
     };
 
     int kind = Reply;
@@ -46,6 +47,9 @@ struct Answer
     static Answer silence() { return {Silence, {}}; }
     /// The service's process ends, as in a crash, with the call unanswered.
     static Answer exit() { return {Exit, {}}; }
+    /// The service leaves the bus with the call unanswered and comes back at once: to the bus and
+    /// to the caller, a process that ends and is started again, in a fraction of the time.
+    static Answer reconnect() { return {Reconnect, {}}; }
 };
 
 Q_DECLARE_METATYPE(RecordedCall)

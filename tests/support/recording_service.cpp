@@ -9,7 +9,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTextStream>
 #include <QtDBus/QDBusConnection>
-#include <QtDBus/QDBusError>
 
 int main(int argc, char *argv[])
 {
@@ -19,11 +18,9 @@ int main(int argc, char *argv[])
     Recorder recorder;
     QDBusConnection control =
         QDBusConnection::connectToBus(QDBusConnection::SystemBus, QStringLiteral("control"));
-    QDBusConnection recorded = QDBusConnection::systemBus();
     if (!control.registerObject(recordingPath, &recorder, QDBusConnection::ExportAllSlots) ||
-        !recorded.registerVirtualObject(QStringLiteral("/"), &recorder, QDBusConnection::SubPath) ||
-        !recorded.registerService(serviceName))
-        qFatal("%s", qPrintable(recorded.lastError().message()));
+        !recorder.join())
+        qFatal("The recording service does not get onto the bus");
 
     QTextStream(stdout) << control.baseService() << Qt::endl;
     return QCoreApplication::exec();

@@ -6,6 +6,8 @@
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
+#include <QtDBus/QDBusServiceWatcher>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 class TestRecordingService : public QObject
@@ -66,6 +68,19 @@ private Q_SLOTS:
         const QDBusMessage reply = call(QStringLiteral("getNumber"));
         QCOMPARE(QDBusError(reply).type(), QDBusError::NoReply);
         QVERIFY(m_service.waitForExit());
+    }
+
+    void comesBackAtOnce()
+    {
+        m_service.setAnswer(QStringLiteral("getNumber"), Answer::reconnect());
+        QDBusServiceWatcher watcher(serviceName, m_connection);
+        const QSignalSpy owners(&watcher, &QDBusServiceWatcher::serviceOwnerChanged);
+        const QDBusMessage reply = call(QStringLiteral("getNumber"));
+        QCOMPARE(QDBusError(reply).type(), QDBusError::NoReply);
+        QTRY_COMPARE(owners.size(), 2);
+        QCOMPARE(owners.at(0).at(2).toString(), QString());
+        QVERIFY(!owners.at(1).at(2).toString().isEmpty());
+        QCOMPARE(call(QStringLiteral("another")).type(), QDBusMessage::ReplyMessage);
     }
 
     void leavesACallUnanswered()
