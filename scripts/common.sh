@@ -4,6 +4,11 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# What has been compiled once is taken from the cache, also for a copy of the project elsewhere.
+if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$PWD
+fi
+
 fail() {
     echo "${0##*/}: $*" >&2
     exit 1
@@ -58,4 +63,45 @@ build() {
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build --preset "$preset" "${target_option[@]}"
     exec 9>&-
+}
+
+# Prints a folder for temporary files in which sockets have short and plain names, as their addresses
+# need, and in which programs can be run: TMPDIR may be neither, and /tmp may allow no programs.
+temporary_folder() {
+    local folder probe
+    for folder in "${TMPDIR:-/tmp}" /tmp /var/tmp "$PWD/build"; do
+        [[ $folder =~ ^[A-Za-z0-9/._-]{1,50}$ ]] || continue
+        probe=$(mktemp "$folder/XXXXXXXX" 2>/dev/null) || continue
+        printf '#!/bin/sh\n' >"$probe"
+        chmod u+x "$probe"
+        if "$probe" 2>/dev/null; then
+            rm "$probe"
+            echo "$folder"
+            return
+        fi
+        rm "$probe"
+    done
+    fail "no folder for temporary files is good for sockets and programs: set TMPDIR to one with a" \
+        "name of at most 50 letters, digits and /._-, in which programs can be run"
+}
+
+# Runs the tests of a preset's build; what follows goes to ctest. Ends with the tests that were
+# skipped, and why; they are kept in build/skipped-tests under the name of the script.
+#
+# test_apart: what ctest is run by, if the tests must not see other processes.
+test_apart=()
+run_tests() {
+    local -x TMPDIR
+    TMPDIR=$(temporary_folder)
+    local folder=build/$1 skipped=build/skipped-tests/${0##*/} status=0
+    shift
+    "${test_apart[@]}" ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure \
+        --no-tests=error "$@" || status=$?
+    mkdir -p build/skipped-tests
+    awk -f scripts/skipped-tests.awk "$folder/Testing/Temporary/LastTest.log" | sort >"$skipped"
+    if [ -s "$skipped" ]; then
+        printf '\nSkipped:\n'
+        sed 's/^/    /' "$skipped"
+    fi
+    return $status
 }

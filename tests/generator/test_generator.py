@@ -406,4 +406,4 @@ def signature(method, direction):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(verbosity=2)

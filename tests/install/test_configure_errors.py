@@ -93,4 +93,4 @@ class ConfigureErrors(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(verbosity=2)

@@ -55,4 +55,4 @@ class MissingPackages(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(verbosity=2)

@@ -37,6 +37,17 @@ Terminal::~Terminal()
     ::close(m_master);
 }
 
+bool Terminal::areThere()
+{
+    int master = -1;
+    int slave = -1;
+    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0)
+        return false;
+    ::close(slave);
+    ::close(master);
+    return true;
+}
+
 void Terminal::setupChildProcess()
 {
     ChildProcess::setupChildProcess();

@@ -17,6 +17,9 @@ public:
     Terminal(const QString &program, const QStringList &arguments);
     ~Terminal() override;
 
+    /// Whether this machine has terminals to give, which a container may lack.
+    static bool areThere();
+
     void type(const QByteArray &keys) const;
 
     /// Waits until the terminal shows the text; returns false if that does not happen.
