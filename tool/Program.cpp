@@ -75,7 +75,7 @@ int runProgram(const QVector<QByteArray> &arguments)
     try {
         return int(flushed(run(line, commands, output), output));
     } catch (const Failure &failure) {
-        output.error(failure.message());
+        output.failure(failure);
         return int(failure.status());
     }
 }

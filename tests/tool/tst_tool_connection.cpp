@@ -109,8 +109,14 @@ private Q_SLOTS:
                             Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
         const Outcome outcome = run(QStringLiteral("get PrintSpeed Region --json"));
         QCOMPARE(outcome.status, 1);
-        QCOMPARE(QJsonDocument::fromJson(outcome.output).object(),
-                 (QJsonObject{{QStringLiteral("PrintSpeed"), QStringLiteral("Low")}}));
+        QCOMPARE(
+            QJsonDocument::fromJson(outcome.output).object(),
+            (QJsonObject{
+                {QStringLiteral("PrintSpeed"), QStringLiteral("Low")},
+                {QStringLiteral("errors"),
+                 QJsonObject{{QStringLiteral("Region"),
+                              QJsonObject{{QStringLiteral("kind"), QStringLiteral("refused")},
+                                          {QStringLiteral("message"), QStringLiteral("no")}}}}}}));
         QCOMPARE(outcome.errors, QByteArray("embosserctl: Region: no\n"));
     }
 
@@ -169,15 +175,6 @@ private Q_SLOTS:
         const Outcome outcome = run(QStringLiteral("monitor > /dev/full"));
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.errors, QByteArray("embosserctl: the output could not be written\n"));
-    }
-
-    void failsWhenTheServiceEndsDuringTheCall()
-    {
-        m_service.start();
-        m_service.setAnswer(QStringLiteral("setRegion"), Answer::exit());
-        const Outcome outcome = run(QStringLiteral("set Region x"));
-        QCOMPARE(outcome.status, 1);
-        QVERIFY(outcome.errors.startsWith("embosserctl: Region: "));
     }
 
     void keepsThePassphraseOutOfEveryMessage_data()

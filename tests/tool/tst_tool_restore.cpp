@@ -125,7 +125,7 @@ private Q_SLOTS:
         const Outcome outcome =
             restore(R"("AlignAdjustment": 1, "AlignHigh": 1, "AlignLow": 7, "Volume": "6")");
         QCOMPARE(outcome.status, 3);
-        QVERIFY(outcome.errors.contains("not applied: Volume: not tried\n"));
+        QVERIFY(outcome.errors.contains("not applied: 2 settings: not tried\n"));
         QVERIFY(outcome.errors.contains(
             "embosserctl: 0 applied, 1 unchanged, 0 not verified, 3 not applied\n"));
     }

@@ -89,9 +89,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         int i = 0;
         for (const char *text :
-             {"", "plain", "a \"quoted\" word", "back\\slash", "\b\f\n\r\t", "\x01\x1b",
-              "\x01"
-              "f",
+             {"", "plain", "a \"quoted\" word", "back\\slash", "\b\f\n\r\t", "\x01\x1b", "\1f",
               "\u00e4\u2801", "\U0001F600", "\U000E0001x", "\u200b", "\\n", "\\u0041", "\ue000"})
             QTest::addRow("%d", i++) << QString::fromUtf8(text);
     }

@@ -68,9 +68,15 @@ ExitStatus runDiff(const Request &request)
     }
 
     if (request.output.isJson()) {
-        request.output.json(QJsonObject{{QStringLiteral("first"), sources[0]},
-                                        {QStringLiteral("second"), sources[1]},
-                                        {QStringLiteral("differences"), differences}});
+        QJsonObject document{{QStringLiteral("first"), sources[0]},
+                             {QStringLiteral("second"), sources[1]},
+                             {QStringLiteral("differences"), differences}};
+        if (!first.errors.isEmpty() || !second.errors.isEmpty()) {
+            document.insert(QStringLiteral("errors"),
+                            QJsonObject{{QStringLiteral("first"), first.errors},
+                                        {QStringLiteral("second"), second.errors}});
+        }
+        request.output.json(document);
     } else if (rows.isEmpty()) {
         request.output.note(QStringLiteral("no difference"));
     } else {

@@ -24,12 +24,14 @@ ExitStatus runGet(const Request &request)
     session.requireConnection();
     ExitStatus status = ExitStatus::Done;
     QJsonObject values;
+    QJsonObject errors;
     QVector<QStringList> rows;
     for (const Setting *setting : qAsConst(settings)) {
         const Reply reply = session.call(*setting->getter);
         if (reply.error) {
             request.output.error(about(setting->name, *reply.error));
             status = ExitStatus::Failed;
+            errors.insert(setting->name, errorToJson(status, reason(setting->name, *reply.error)));
             continue;
         }
         const QJsonValue value = toJson(reply.value, setting->getter->result);
@@ -37,6 +39,8 @@ ExitStatus runGet(const Request &request)
         rows.append({setting->name, toText(value)});
     }
 
+    if (!errors.isEmpty())
+        values.insert(QStringLiteral("errors"), errors);
     if (request.output.isJson())
         request.output.json(values);
     else if (request.arguments.size() > 1)

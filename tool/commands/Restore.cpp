@@ -2,6 +2,7 @@
 
 #include "commands/Commands.h"
 
+#include "common/JsonText.h"
 #include "configuration/Restoration.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
@@ -12,6 +13,7 @@
 #include <QtCore/QJsonObject>
 
 #include <csignal>
+#include <optional>
 
 namespace tool {
 
@@ -43,19 +45,44 @@ QJsonObject reported(const Output &output, const QString &label, const Outcomes 
     return reasons;
 }
 
-ExitStatus printOutcomes(const Output &output, const Outcomes &outcomes)
+/// The settings that were not reached, which are many: one line says so.
+QJsonObject reportedNotTried(const Output &output, const Outcomes &outcomes)
+{
+    QJsonObject reasons;
+    for (const QString &name : namesIn(outcomes, Outcome::NotTried))
+        reasons.insert(name, outcomes[name].reason);
+    if (reasons.size() == 1)
+        output.error(QStringLiteral("not applied: %1: not tried").arg(reasons.begin().key()));
+    else if (!reasons.isEmpty())
+        output.error(QStringLiteral("not applied: %1 settings: not tried").arg(reasons.size()));
+    return reasons;
+}
+
+bool isNothingTried(const Outcomes &outcomes)
+{
+    return namesIn(outcomes, Outcome::NotTried).size() == outcomes.size();
+}
+
+ExitStatus printOutcomes(Output &output, const Outcomes &outcomes,
+                         const std::optional<Failure> &end = {})
 {
     const QStringList applied = namesIn(outcomes, Outcome::Applied);
     const int unchanged = namesIn(outcomes, Outcome::Unchanged).size();
     const QJsonObject unverified = reported(output, QStringLiteral("written, but not verified"),
                                             outcomes, Outcome::Unverified);
-    const QJsonObject notApplied =
+    QJsonObject notApplied =
         reported(output, QStringLiteral("not applied"), outcomes, Outcome::NotApplied);
+    const QJsonObject notTried = reportedNotTried(output, outcomes);
+    for (auto entry = notTried.begin(); entry != notTried.end(); ++entry)
+        notApplied.insert(entry.key(), entry.value());
     if (output.isJson()) {
-        output.json(QJsonObject{{QStringLiteral("applied"), QJsonArray::fromStringList(applied)},
-                                {QStringLiteral("unchanged"), unchanged},
-                                {QStringLiteral("unverified"), unverified},
-                                {QStringLiteral("notApplied"), notApplied}});
+        QJsonObject document{{QStringLiteral("applied"), QJsonArray::fromStringList(applied)},
+                             {QStringLiteral("unchanged"), unchanged},
+                             {QStringLiteral("unverified"), unverified},
+                             {QStringLiteral("notApplied"), notApplied}};
+        if (end)
+            document.insert(QStringLiteral("error"), errorToJson(end->status(), end->message()));
+        output.json(document);
     } else {
         output.note(QStringLiteral("%1 applied, %2 unchanged, %3 not verified, %4 not applied")
                         .arg(applied.size())
@@ -82,8 +109,9 @@ ExitStatus runRestore(const Request &request)
     Restoration restoration(session, request.output.showsProgress());
     try {
         restoration.apply(configuration, request.catalogue);
-    } catch (const Failure &) {
-        printOutcomes(request.output, restoration.outcomes());
+    } catch (const Failure &failure) {
+        if (!isNothingTried(restoration.outcomes()))
+            printOutcomes(request.output, restoration.outcomes(), failure);
         throw;
     }
     return printOutcomes(request.output, restoration.outcomes());

@@ -63,15 +63,19 @@ public:
             return toJson(reply.value, operation.result);
         m_request.output.error(about(operation.name, *reply.error));
         m_status = ExitStatus::Failed;
+        m_errors.insert(operation.name,
+                        errorToJson(m_status, reason(operation.name, *reply.error)));
         return QJsonValue::Undefined;
     }
 
     ExitStatus status() const { return m_status; }
+    const QJsonObject &errors() const { return m_errors; }
 
 private:
     const Request &m_request;
     Session m_session;
     ExitStatus m_status = ExitStatus::Done;
+    QJsonObject m_errors;
 };
 
 ExitStatus runConnected(const Request &request)
@@ -98,6 +102,8 @@ ExitStatus runConnected(const Request &request)
     status.insert(QStringLiteral("capabilities"), capabilities);
     rows.append({QStringLiteral("Capabilities"), names.join(QLatin1Char(' '))});
 
+    if (!questions.errors().isEmpty())
+        status.insert(QStringLiteral("errors"), questions.errors());
     if (request.output.isJson())
         request.output.json(status);
     else
@@ -110,11 +116,13 @@ ExitStatus runStatus(const Request &request)
     try {
         return runConnected(request);
     } catch (const Failure &failure) {
-        if (failure.status() == ExitStatus::NotConnected) {
-            if (request.output.isJson())
-                request.output.json(QJsonObject{{QStringLiteral("connected"), false}});
-            else
-                request.output.table({{QStringLiteral("Connected"), QStringLiteral("no")}});
+        const bool isConnected = failure.status() != ExitStatus::NotConnected;
+        if (request.output.isJson()) {
+            request.output.json(QJsonObject{
+                {QStringLiteral("connected"), isConnected},
+                {QStringLiteral("error"), errorToJson(failure.status(), failure.message())}});
+        } else if (!isConnected) {
+            request.output.table({{QStringLiteral("Connected"), QStringLiteral("no")}});
         }
         throw;
     }

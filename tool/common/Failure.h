@@ -16,7 +16,29 @@ enum class ExitStatus {
     Failed = 1,
     Usage = 2,
     NotConnected = 3,
+    NoAnswer = 4,
+    NotPermitted = 5,
 };
+
+/// What JSON calls a status other than Done.
+inline QString kindOf(ExitStatus status)
+{
+    switch (status) {
+    case ExitStatus::Done:
+        break;
+    case ExitStatus::Failed:
+        return QStringLiteral("refused");
+    case ExitStatus::Usage:
+        return QStringLiteral("invalid");
+    case ExitStatus::NotConnected:
+        return QStringLiteral("absent");
+    case ExitStatus::NoAnswer:
+        return QStringLiteral("noAnswer");
+    case ExitStatus::NotPermitted:
+        return QStringLiteral("notPermitted");
+    }
+    return {};
+}
 
 /// Ends a command: what to say on standard error and with which status to exit.
 class Failure : public std::exception

@@ -20,4 +20,9 @@ QString toText(const QJsonValue &value)
     return QString::fromUtf8(json.mid(1, json.size() - 2));
 }
 
+QJsonObject errorToJson(ExitStatus status, const QString &message)
+{
+    return {{QStringLiteral("kind"), kindOf(status)}, {QStringLiteral("message"), message}};
+}
+
 } // namespace tool

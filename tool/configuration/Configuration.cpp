@@ -3,6 +3,7 @@
 #include "configuration/Configuration.h"
 
 #include "common/Failure.h"
+#include "common/JsonText.h"
 #include "library/Catalogue.h"
 #include "library/Secret.h"
 #include "library/Session.h"
@@ -97,6 +98,9 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
             const Reply reply = session.call(*setting.getter);
             if (reply.error) {
                 failures.append(about(setting.name, *reply.error));
+                configuration.errors.insert(
+                    setting.name,
+                    errorToJson(ExitStatus::Failed, reason(setting.name, *reply.error)));
                 continue;
             }
             configuration.values.insert(setting.name, toJson(reply.value, setting.getter->result));
@@ -111,9 +115,12 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
 
 QJsonObject configurationToJson(const Configuration &configuration, const Catalogue &catalogue)
 {
-    return {{formatKey, formatName},
-            {settingsKey, configuration.values},
-            {leftOutKey, QJsonArray::fromStringList(secretSettings(catalogue))}};
+    QJsonObject document{{formatKey, formatName},
+                         {settingsKey, configuration.values},
+                         {leftOutKey, QJsonArray::fromStringList(secretSettings(catalogue))}};
+    if (!configuration.errors.isEmpty())
+        document.insert(QStringLiteral("errors"), configuration.errors);
+    return document;
 }
 
 Configuration configurationFromFile(const QString &name, const Catalogue &catalogue)

@@ -22,6 +22,8 @@ struct Configuration
     QJsonObject values;
     /// The secret settings for which a file had values all the same.
     QStringList ignoredSecrets;
+    /// What the service has refused to report, with its reasons.
+    QJsonObject errors;
     /// Failed if the service has not reported all of them.
     ExitStatus status = ExitStatus::Done;
 };

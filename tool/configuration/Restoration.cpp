@@ -42,7 +42,7 @@ void Restoration::setTargets(const Configuration &configuration, const Catalogue
             const QVariant argument =
                 argumentFromJson(value.value(), setting.setter->parameters[0].type);
             m_targets.insert(value.key(), {&setting, argument, value.value(), false, {}});
-            setNotApplied(value.key(), QStringLiteral("not tried"));
+            m_outcomes.insert(value.key(), {Outcome::NotTried, QStringLiteral("not tried")});
         } catch (const Failure &failure) {
             setNotApplied(value.key(), failure.message());
         }
@@ -83,6 +83,16 @@ QStringList Restoration::notHeld()
     return names;
 }
 
+Reply Restoration::writeTarget(const QString &name, const Target &target)
+{
+    try {
+        return m_session.call(*target.setting->setter, {target.argument});
+    } catch (const Failure &failure) {
+        setNotApplied(name, failure.message());
+        throw;
+    }
+}
+
 void Restoration::write(const QStringList &names)
 {
     ProgressBar progress(names.size(), m_showsProgress);
@@ -90,7 +100,7 @@ void Restoration::write(const QStringList &names)
         progress.step();
         DeferredSignals::throwIfCome();
         Target &target = m_targets[name];
-        const Reply reply = m_session.call(*target.setting->setter, {target.argument});
+        const Reply reply = writeTarget(name, target);
         target.isTried = true;
         target.refusal = reply.error;
         m_outcomes.insert(

@@ -26,6 +26,7 @@ struct Outcome
         /// Accepted by the service, but not read again.
         Unverified,
         NotApplied,
+        NotTried,
     };
 
     State state;
@@ -62,6 +63,7 @@ private:
 
     void setTargets(const Configuration &configuration, const Catalogue &catalogue);
     void setNotApplied(const QString &name, const QString &reason);
+    Reply writeTarget(const QString &name, const Target &target);
     Outcome read(const Target &target);
     /// Reads all targets, since one setting may have changed another.
     QStringList notHeld();

@@ -41,7 +41,10 @@ QVector<QStringList> ProgramText::exitStatus()
          QStringLiteral("the service refused or failed; its message is on standard error")},
         {QStringLiteral("2"), QStringLiteral("the command line or an input file is invalid")},
         {QStringLiteral("3"),
-         QStringLiteral("not connected: the system bus or the service on it is missing")},
+         QStringLiteral("not connected: the system bus or the service on it is missing, or has "
+                        "been lost")},
+        {QStringLiteral("4"), QStringLiteral("the service has not answered in time")},
+        {QStringLiteral("5"), QStringLiteral("the bus does not permit to talk to the service")},
     };
 }
 

@@ -10,13 +10,20 @@
 #include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCall>
 
 #include <algorithm>
 #include <array>
 
 namespace tool {
 
+using libconfigurationmanager::detail::ConfigurationManager;
+
 namespace {
+
+const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
+const int pingMilliseconds = 5000;
 
 /// What the meta-object calls the type. An enumeration has the size of an int, and needs no
 /// registration.
@@ -83,6 +90,11 @@ QString withoutTexts(QString message, QStringList texts)
     return message;
 }
 
+[[noreturn]] void throwHasLeft()
+{
+    throwNotConnected(QStringLiteral("the configuration service has left the system bus"));
+}
+
 } // namespace
 
 Session::Session(const std::optional<QString> &collection)
@@ -91,6 +103,7 @@ Session::Session(const std::optional<QString> &collection)
     qRegisterMetaType<ConfigurationList>("ConfigurationList");
     if (collection)
         setCollection(*collection);
+    QObject::connect(&m_library, &ConfigurationManager::disconnected, [this] { m_hasLeft = true; });
 }
 
 void Session::requireBus() const
@@ -107,15 +120,48 @@ void Session::requireConnection() const
         throwNotConnected(QStringLiteral("the configuration service is not on the system bus"));
 }
 
+void Session::requireService() const
+{
+    QDBusMessage ping = QDBusMessage::createMethodCall(serviceName, QStringLiteral("/"),
+                                                       QStringLiteral("org.freedesktop.DBus.Peer"),
+                                                       QStringLiteral("Ping"));
+    ping.setAutoStartService(false);
+    QDBusPendingCall answer = QDBusConnection::systemBus().asyncCall(ping, pingMilliseconds);
+    answer.waitForFinished();
+    // The library learns from the event loop that the service has left.
+    QCoreApplication::processEvents();
+    if (m_hasLeft)
+        throwHasLeft();
+    switch (answer.error().type()) {
+    case QDBusError::AccessDenied:
+        throw Failure(ExitStatus::NotPermitted,
+                      QStringLiteral("permission denied by the bus; members of the group embosser "
+                                     "may talk to the service"));
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        throw Failure(ExitStatus::NoAnswer,
+                      QStringLiteral("the configuration service does not answer"));
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Disconnected:
+        throwHasLeft();
+    default:
+        // It is there, and has refused.
+        break;
+    }
+}
+
 Reply Session::call(const Operation &operation, const QVariantList &arguments)
 {
     // The library learns from the event loop that the service has left.
     QCoreApplication::processEvents();
+    m_hasLeft = false;
     Reply reply;
     reply.value = invoke(&m_library, operation.form(arguments.size()), operation.result, arguments);
     if (const auto failure = m_log.takeFailure()) {
         if (failure->notConnected)
-            throwNotConnected(QStringLiteral("the configuration service has left the system bus"));
+            throwHasLeft();
+        requireService();
         reply.error = withoutTexts(failure->message, givenSecrets(operation, arguments));
     }
     return reply;

@@ -15,7 +15,7 @@
 
 namespace tool {
 
-/// The result of an operation, or why it failed.
+/// The result of an operation, or why the service has refused it.
 struct Reply
 {
     QVariant value;
@@ -39,12 +39,19 @@ public:
 
     /// Calls the operation with as many of its arguments as are given.
     ///
-    /// Throws a Failure when the service has gone.
+    /// Throws a Failure when nothing more is to be had from the service: it has gone, does not
+    /// answer, or may not be talked to.
     Reply call(const Operation &operation, const QVariantList &arguments = {});
 
 private:
+    /// Throws a Failure unless a call that has failed was refused by a service that is there. The
+    /// library tells only what the message of the error was.
+    void requireService() const;
+
     LibraryLog m_log;
     libconfigurationmanager::detail::ConfigurationManager m_library;
+    /// Whether the service has left since the last call was begun.
+    bool m_hasLeft = false;
 };
 
 } // namespace tool

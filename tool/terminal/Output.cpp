@@ -168,13 +168,15 @@ void Output::value(const QJsonValue &value) const
     }
 }
 
-void Output::json(const QJsonValue &value) const
+void Output::json(const QJsonValue &value)
 {
+    m_hasDocument = true;
     writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Indented)));
 }
 
-void Output::jsonLine(const QJsonValue &value) const
+void Output::jsonLine(const QJsonValue &value)
 {
+    m_isStream = true;
     writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Compact)));
 }
 
@@ -187,6 +189,17 @@ void Output::note(const QString &text) const
 void Output::error(const QString &text) const
 {
     writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
+}
+
+void Output::failure(const Failure &failure)
+{
+    const QJsonObject document{
+        {QStringLiteral("error"), errorToJson(failure.status(), failure.message())}};
+    if (m_isStream)
+        jsonLine(document);
+    else if (isJson() && !m_hasDocument)
+        json(document);
+    error(failure.message());
 }
 
 } // namespace tool

@@ -10,6 +10,8 @@
 
 namespace tool {
 
+class Failure;
+
 /// What the user wants of the output.
 struct OutputOptions
 {
@@ -43,13 +45,16 @@ public:
     void table(const QVector<QStringList> &rows, const QStringList &header = {}) const;
     /// An object as rows, an array of objects as a table, anything else as a line.
     void value(const QJsonValue &value) const;
-    void json(const QJsonValue &value) const;
+    void json(const QJsonValue &value);
     /// JSON without line breaks, for a stream of values.
-    void jsonLine(const QJsonValue &value) const;
+    void jsonLine(const QJsonValue &value);
 
     /// Something good to know, unless the user wants quiet.
     void note(const QString &text) const;
     void error(const QString &text) const;
+
+    /// Why a command ends: on standard error, and as JSON too, unless that has got its document.
+    void failure(const Failure &failure);
 
 private:
     QString styled(const QString &text, const QString &style) const;
@@ -57,6 +62,8 @@ private:
 
     OutputOptions m_options;
     bool m_isTerminal;
+    bool m_hasDocument = false;
+    bool m_isStream = false;
 };
 
 } // namespace tool

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+
+#include "PrivateBus.h"
+#include "RecordingService.h"
+#include "Shell.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtTest/QTest>
+
+namespace {
+
+const QByteArray hasLeft =
+    "embosserctl: not connected: the configuration service has left the system "
+    "bus\n";
+
+/// A bus on which nobody may talk to the configuration service, with one on it.
+class DenyingBus
+{
+public:
+    DenyingBus()
+        : m_daemon(QStringLiteral("dbus-daemon"),
+                   {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+                    QStringLiteral("--config-file=") + configuration()}),
+          m_address(m_daemon.startAndReadLine()),
+          m_simulator(QStringLiteral(SIMULATOR), {})
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
+        m_simulator.setProcessEnvironment(environment);
+        m_simulator.startAndReadLine();
+    }
+
+    const QString &address() const { return m_address; }
+
+private:
+    QString configuration()
+    {
+        const QString name = m_directory.filePath(QStringLiteral("bus.conf"));
+        QFile file(name);
+        if (!file.open(QFile::WriteOnly))
+            qFatal("%s: %s", qPrintable(name), qPrintable(file.errorString()));
+        file.write("<busconfig><type>system</type><listen>unix:dir=" + m_directory.path().toUtf8() +
+                   "</listen><policy context='default'><allow own='*'/>"
+                   "<allow send_destination='*' eavesdrop='true'/><allow "
+                   "receive_sender='*'/><allow user='*'/>"
+                   "<deny send_destination='com.tavelornbraille.ConfigurationManager'/>"
+                   "</policy></busconfig>");
+        return name;
+    }
+
+    QTemporaryDir m_directory;
+    ChildProcess m_daemon;
+    QString m_address;
+    ChildProcess m_simulator;
+};
+
+QJsonObject error(const char *kind, const char *message)
+{
+    return {{QStringLiteral("kind"), QString::fromLatin1(kind)},
+            {QStringLiteral("message"), QString::fromLatin1(message)}};
+}
+
+QJsonValue document(const Outcome &outcome)
+{
+    return QJsonDocument::fromJson(outcome.output).object();
+}
+
+} // namespace
+
+/// Who has failed: told apart by status, message and JSON, in every command.
+class TestToolFailures : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { m_service.kill(); }
+
+    void saysInOneLineThatItIsNotPermitted_data() { addCommands(); }
+
+    void saysInOneLineThatItIsNotPermitted()
+    {
+        QFETCH(QString, command);
+        m_shell.run(QStringLiteral("echo '{\"format\": \"embosserctl configuration 1\", "
+                                   "\"settings\": {\"AlignLow\": 1, \"TabSize\": 2}}' > two.json"));
+        const Outcome outcome = run(command, m_denyingBus.address());
+        QCOMPARE(outcome.status, 5);
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.errors,
+                 QByteArray("embosserctl: permission denied by the bus; members of the group "
+                            "embosser may talk to the service\n"));
+        const Outcome json = run(command + QStringLiteral(" --json"), m_denyingBus.address());
+        QCOMPARE(json.status, 5);
+        QCOMPARE(document(json)[QStringLiteral("error")],
+                 QJsonValue(error("notPermitted",
+                                  "permission denied by the bus; members of the group embosser "
+                                  "may talk to the service")));
+    }
+
+    void saysThatTheServiceHasDied_data() { addCommands(); }
+
+    void saysThatTheServiceHasDied()
+    {
+        QFETCH(QString, command);
+        m_service.start();
+        m_service.setAnswer(Answer::exit());
+        m_shell.run(QStringLiteral("echo '{\"format\": \"embosserctl configuration 1\", "
+                                   "\"settings\": {\"AlignLow\": 1, \"TabSize\": 2}}' > two.json"));
+        const Outcome outcome = run(command);
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.errors, hasLeft);
+
+        QVERIFY(m_service.waitForExit());
+        m_service.start();
+        m_service.setAnswer(Answer::exit());
+        const Outcome json = run(command + QStringLiteral(" --json"));
+        QCOMPARE(json.status, 3);
+        QCOMPARE(document(json)[QStringLiteral("error")],
+                 QJsonValue(error("absent", "not connected: the configuration service has left the "
+                                            "system bus")));
+    }
+
+    void saysWhatTheServiceHasRefused_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("get") << QStringLiteral("get TabSize") << QStringLiteral("TabSize");
+        QTest::newRow("status") << QStringLiteral("status") << QStringLiteral("hasFeeder");
+        QTest::newRow("dump") << QStringLiteral("dump") << QStringLiteral("TabSize");
+        QTest::newRow("diff") << QStringLiteral("diff live collection:other")
+                              << QStringLiteral("TabSize");
+        QTest::newRow("set") << QStringLiteral("set TabSize 4") << QString();
+        QTest::newRow("call") << QStringLiteral("call hasFeeder") << QString();
+        QTest::newRow("values") << QStringLiteral("values 0") << QString();
+        QTest::newRow("paper") << QStringLiteral("paper A4") << QString();
+        QTest::newRow("report") << QStringLiteral("report") << QString();
+    }
+
+    void saysWhatTheServiceHasRefused()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, name);
+        m_service.start();
+        m_service.setAnswer(Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
+        const Outcome outcome = run(command + QStringLiteral(" --json"));
+        QCOMPARE(outcome.status, 1);
+        const QJsonValue printed = document(outcome);
+        if (name.isEmpty()) {
+            QCOMPARE(printed.toObject().keys(), QStringList{QStringLiteral("error")});
+            QCOMPARE(printed[QStringLiteral("error")][QStringLiteral("kind")],
+                     QJsonValue(QStringLiteral("refused")));
+            return;
+        }
+        QJsonValue errors = printed[QStringLiteral("errors")];
+        if (command.startsWith(QLatin1String("diff")))
+            errors = errors[QStringLiteral("second")];
+        QCOMPARE(errors[name], QJsonValue(error("refused", "no")));
+    }
+
+    void saysInJsonWhatIsInvalid()
+    {
+        for (const char *command : {"get TabSizes --json", "set TabSize x --json",
+                                    "call getTabsize --json", "restore missing.json --json"}) {
+            const Outcome outcome = run(QString::fromLatin1(command));
+            QCOMPARE(outcome.status, 2);
+            QCOMPARE(document(outcome)[QStringLiteral("error")][QStringLiteral("kind")],
+                     QJsonValue(QStringLiteral("invalid")));
+        }
+    }
+
+private:
+    static void addCommands()
+    {
+        QTest::addColumn<QString>("command");
+        for (const char *command :
+             {"get PrintSpeed", "get PrintSpeed TabSize", "set PrintSpeed Low", "call clearLog",
+              "values Papers", "paper", "report", "diff live collection:other", "restore two.json",
+              "dump"})
+            QTest::newRow(command) << QString::fromLatin1(command);
+    }
+
+    Outcome run(const QString &arguments, const QString &address = {})
+    {
+        const QString bus = address.isEmpty()
+                                ? QString()
+                                : QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS='%1' ").arg(address);
+        return m_shell.run(bus + QStringLiteral("embosserctl ") + arguments);
+    }
+
+    PrivateBus m_bus;
+    DenyingBus m_denyingBus;
+    RecordingService m_service{m_bus};
+    Shell m_shell;
+};
+
+QTEST_GUILESS_MAIN(TestToolFailures)
+#include "tst_tool_failures.moc"
