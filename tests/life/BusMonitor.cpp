@@ -31,18 +31,33 @@ BusMonitor::BusMonitor(const PrivateBus &bus)
 
 QStringList BusMonitor::takeCalls(QDBusConnection connection)
 {
-    const QString mark = QStringLiteral("EndOfCalls");
-    connection.send(
-        QDBusMessage::createSignal(QStringLiteral("/"), QStringLiteral("tests.BusMonitor"), mark));
     QStringList calls;
-    for (;;) {
-        const QStringList message = readMessage();
-        if (message.value(Sender) != connection.baseService())
-            continue;
-        if (message.value(Member) == mark)
-            return calls;
+    const QVector<QStringList> messages = takeMessages(connection);
+    for (const QStringList &message : messages) {
         if (message.value(Type) == QStringLiteral("mc"))
             calls.append(message.value(Destination) + QLatin1Char(' ') + message.value(Member));
+    }
+    return calls;
+}
+
+int BusMonitor::countMessages(QDBusConnection connection)
+{
+    return takeMessages(connection).size();
+}
+
+QVector<QStringList> BusMonitor::takeMessages(QDBusConnection &connection)
+{
+    const QString mark = QStringLiteral("EndOfMessages");
+    connection.send(
+        QDBusMessage::createSignal(QStringLiteral("/"), QStringLiteral("tests.BusMonitor"), mark));
+    QVector<QStringList> messages;
+    for (;;) {
+        const QStringList message = readMessage();
+        if (message.value(Member) == mark)
+            return messages;
+        if (message.value(Sender) == connection.baseService() ||
+            message.value(Destination) == connection.baseService())
+            messages.append(message);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "PrivateBus.h"
 
 #include <QtCore/QStringList>
+#include <QtCore/QVector>
 
 /// Sees every message on a bus, as dbus-monitor does.
 class BusMonitor
@@ -19,7 +20,13 @@ public:
     /// as its destination and its member.
     QStringList takeCalls(QDBusConnection connection);
 
+    /// Returns how many messages the connection has sent and got since the last time, beside those
+    /// to everybody.
+    int countMessages(QDBusConnection connection);
+
 private:
+    QVector<QStringList> takeMessages(QDBusConnection &connection);
+
     /// The next message, in the columns of dbus-monitor.
     QStringList readMessage();
 

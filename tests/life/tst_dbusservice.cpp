@@ -11,6 +11,7 @@
 #include <QtDBus/QDBusAbstractInterface>
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusReply>
+#include <QtDBus/QDBusServiceWatcher>
 #include <QtTest/QTest>
 
 #include <atomic>
@@ -243,6 +244,93 @@ private Q_SLOTS:
                  QStringLiteral("org.freedesktop.DBus GetNameOwner"));
         for (int i = 0; i < 1000; ++i)
             QVERIFY(!service.isConnected());
+        QCOMPARE(monitor.takeCalls(m_watching), QStringList());
+    }
+
+    void asksTheBusOnlyAfterTheFirstSignal()
+    {
+        const DBusService service(m_watching, serviceName, nullptr);
+        QVERIFY(m_first.registerService(serviceName));
+        QTRY_VERIFY(service.isConnected());
+        BusMonitor monitor(m_bus);
+        QVERIFY(m_first.unregisterService(serviceName));
+        QTRY_VERIFY(!service.isConnected());
+        QVERIFY(m_first.registerService(serviceName));
+        QTRY_VERIFY(service.isConnected());
+        QCOMPARE(monitor.takeCalls(m_watching), QStringList());
+    }
+
+    void doesNotBelieveOutdatedSignals_data()
+    {
+        QTest::addColumn<bool>("present");
+        QTest::newRow("the service is there") << true;
+        QTest::newRow("the service is not there") << false;
+    }
+
+    // As when Qt delivers signals in another order than the bus has sent them.
+    void doesNotBelieveOutdatedSignals()
+    {
+        QFETCH(const bool, present);
+        if (present)
+            QVERIFY(m_first.registerService(serviceName));
+        const DBusService service(m_watching, serviceName, nullptr);
+        auto *const watcher = service.findChild<QDBusServiceWatcher *>();
+        QVERIFY(watcher);
+        const QString before = present ? m_first.baseService() : QString();
+        const QString other = m_second.baseService();
+        Q_EMIT watcher->serviceOwnerChanged(serviceName, other, before);
+        QCOMPARE(service.isConnected(), present);
+        // This one goes on where the truth is.
+        Q_EMIT watcher->serviceOwnerChanged(serviceName, before, other);
+        Q_EMIT watcher->serviceOwnerChanged(serviceName, other, QString());
+        QCOMPARE(service.isConnected(), present);
+    }
+
+    void takesAFirstSignalForAChangeOfTheOwnerThatItFound_data()
+    {
+        QTest::addColumn<bool>("outdated");
+        QTest::addColumn<QString>("texts");
+        QTest::newRow("a new one") << false << QStringLiteral("disconnected connected");
+        QTest::newRow("of the coming that it has found") << true << QString();
+    }
+
+    void takesAFirstSignalForAChangeOfTheOwnerThatItFound()
+    {
+        QFETCH(const bool, outdated);
+        QFETCH(const QString, texts);
+        own(m_first);
+        const DBusService service(m_watching, serviceName, nullptr);
+        const Signals seen(service);
+        if (outdated) {
+            Q_EMIT service.findChild<QDBusServiceWatcher *>()->serviceOwnerChanged(
+                serviceName, QString(), m_first.baseService());
+        } else {
+            own(m_second);
+            QTRY_VERIFY(!seen.texts().isEmpty());
+        }
+        QCOMPARE(seen.texts(), texts);
+        QVERIFY(service.isConnected());
+    }
+
+    void knowsAServiceWhoseNameIsNoneOfAnInterface()
+    {
+        const QString hyphenated = QStringLiteral("com.example.some-service");
+        QVERIFY(m_first.registerService(hyphenated));
+        const DBusService present(m_watching, hyphenated, nullptr);
+        QVERIFY(present.isConnected());
+        QVERIFY(m_first.unregisterService(hyphenated));
+        QTRY_VERIFY(!present.isConnected());
+        const DBusService absent(m_watching, QStringLiteral(":1.9999"), nullptr);
+        QVERIFY(!absent.isConnected());
+    }
+
+    void makesTheUsualProxyWithoutAskingTheBusAgain()
+    {
+        DBusService service(m_watching, serviceName, nullptr);
+        BusMonitor monitor(m_bus);
+        QDBusAbstractInterface *proxy = service.interface(QStringLiteral("/"), serviceName);
+        QCOMPARE(proxy->path(), QStringLiteral("/"));
+        QCOMPARE(proxy->interface(), serviceName);
         QCOMPARE(monitor.takeCalls(m_watching), QStringList());
     }
 
