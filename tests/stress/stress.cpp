@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+
+// Puts the library under one kind of load for some seconds:
+//
+//   stress SHAPE [SECONDS]
+//
+// It fails when a call returns anything but the answer to its own question or the default. That the
+// process ends in order is what the shapes are for: run it with the checks of malloc or a
+// sanitizer.
+
+#include "ChildProcess.h"
+#include "PrivateBus.h"
+
+#include <libconfigurationmanager/ConfigurationManager.h>
+#include <libtavelorn/DBusService.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+
+#include <atomic>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+using libconfigurationmanager::detail::ConfigurationManager;
+
+namespace {
+
+constexpr int threadCount = 8;
+
+std::atomic<bool> isOver{false};
+std::atomic<qint64> callCount{0};
+std::atomic<qint64> answerCount{0};
+std::atomic<qint64> mistakeCount{0};
+
+/// The service, which behaves as its arguments say.
+class Service : public ChildProcess
+{
+public:
+    explicit Service(const QStringList &arguments)
+        : ChildProcess(QStringLiteral(STRESS_SERVICE_PROGRAM), arguments)
+    {
+        startAndReadLine();
+    }
+};
+
+/// Calls until the time is over. The answer to each question is the question.
+void ask(const ConfigurationManager &manager)
+{
+    thread_local int number = 0;
+    while (!isOver) {
+        const QString question =
+            QStringLiteral("%1-%2")
+                .arg(reinterpret_cast<quintptr>(QThread::currentThreadId()), 0, 16)
+                .arg(++number);
+        const QString answer = manager.getProposition(question);
+        ++callCount;
+        if (answer == question)
+            ++answerCount;
+        else if (!answer.isNull())
+            ++mistakeCount;
+    }
+}
+
+/// Threads that call, each over the manager that stands at its place, round by round.
+class Callers
+{
+public:
+    Callers(int count, const std::vector<std::unique_ptr<ConfigurationManager>> &managers)
+    {
+        for (int i = 0; i < count; ++i)
+            m_threads.emplace_back(
+                [&manager = *managers.at(i % managers.size())] { ask(manager); });
+    }
+    ~Callers()
+    {
+        isOver = true;
+        for (std::thread &thread : m_threads)
+            thread.join();
+    }
+    Q_DISABLE_COPY(Callers)
+
+private:
+    std::vector<std::thread> m_threads;
+};
+
+std::vector<std::unique_ptr<ConfigurationManager>> managers(int count)
+{
+    std::vector<std::unique_ptr<ConfigurationManager>> all;
+    for (int i = 0; i < count; ++i) {
+        all.push_back(std::make_unique<ConfigurationManager>(nullptr));
+        all.back()->setCheckConnection(false);
+    }
+    return all;
+}
+
+void runEventLoop(int milliseconds)
+{
+    QTimer::singleShot(milliseconds, QCoreApplication::instance(), &QCoreApplication::quit);
+    QCoreApplication::exec();
+}
+
+/// One or more threads against one service.
+void call(const QStringList &behaviour, int threads, int managerCount, int milliseconds)
+{
+    const Service service(behaviour);
+    const auto all = managers(managerCount);
+    const Callers callers(threads, all);
+    runEventLoop(milliseconds);
+}
+
+/// One manager is called in a thread, while the main thread asks the bus for owners.
+void askForOwners(int milliseconds)
+{
+    const Service service({QStringLiteral("error")});
+    const auto all = managers(1);
+    const Callers callers(1, all);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [] {
+        const libtavelorn::DBusService absent(QDBusConnection::systemBus(),
+                                              QStringLiteral("com.example.Absent"), nullptr);
+    });
+    timer.start(0);
+    runEventLoop(milliseconds);
+}
+
+/// The bus is killed under the load of all threads, once.
+void loseTheBus(PrivateBus &bus)
+{
+    const Service service({QStringLiteral("error")});
+    const auto all = managers(threadCount);
+    const Callers callers(threadCount, all);
+    QTimer::singleShot(100, [&] { bus.kill(); });
+    runEventLoop(150);
+}
+
+int exitCode()
+{
+    std::printf("%lld calls, %lld answered, %lld mistakes\n", callCount.load(), answerCount.load(),
+                mistakeCount.load());
+    return mistakeCount == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// A process loses its bus only once, so that each time is a process of its own.
+int loseBuses(const QString &program, int milliseconds)
+{
+    int count = 0;
+    QElapsedTimer timer;
+    for (timer.start(); timer.elapsed() < milliseconds; ++count) {
+        ChildProcess child(program, {QStringLiteral("bus-lost")});
+        child.setStandardOutputFile(QProcess::nullDevice());
+        child.start();
+        if (!child.waitForFinished() || child.exitStatus() != QProcess::NormalExit ||
+            child.exitCode() != EXIT_SUCCESS) {
+            std::printf("failed after %d buses: %s\n", count, qPrintable(child.errorString()));
+            return EXIT_FAILURE;
+        }
+    }
+    std::printf("%d buses lost\n", count);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString shape = arguments.value(1);
+    const int milliseconds = arguments.value(2, QStringLiteral("1")).toInt() * 1000;
+    if (shape == QStringLiteral("lost-buses"))
+        return loseBuses(QCoreApplication::applicationFilePath(), milliseconds);
+
+    // Each failed call is a line: thousands of them a second are of no use to anybody.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    PrivateBus bus;
+    if (shape == QStringLiteral("answers"))
+        call({QStringLiteral("echo")}, threadCount, 1, milliseconds);
+    else if (shape == QStringLiteral("errors-without-body"))
+        call({QStringLiteral("error-without-body")}, 1, 1, milliseconds);
+    else if (shape == QStringLiteral("errors-of-eight-managers"))
+        call({QStringLiteral("error")}, threadCount, threadCount, milliseconds);
+    else if (shape == QStringLiteral("errors-of-two-managers"))
+        call({QStringLiteral("error")}, 2, 2, milliseconds);
+    else if (shape == QStringLiteral("restarts-of-one-manager"))
+        call({QStringLiteral("echo"), QStringLiteral("20")}, threadCount, 1, milliseconds);
+    else if (shape == QStringLiteral("restarts-of-eight-managers"))
+        call({QStringLiteral("echo"), QStringLiteral("20")}, threadCount, threadCount,
+             milliseconds);
+    else if (shape == QStringLiteral("owners"))
+        askForOwners(milliseconds);
+    else if (shape == QStringLiteral("bus-lost"))
+        loseTheBus(bus);
+    else
+        return EXIT_FAILURE;
+    return exitCode();
+}
