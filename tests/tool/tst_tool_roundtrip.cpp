@@ -80,8 +80,7 @@ private Q_SLOTS:
             if (text.startsWith(QLatin1Char('-')) || random.bounded(2))
                 line.append(QStringLiteral("--"));
             const CommandLine parsed = parseCommandLine(line + QStringList{*argument}, commands);
-            const QVariant value =
-                argumentFromText(parsed.arguments[1], setting.setter->parameters[0].type);
+            const QVariant value = argumentFromText(parsed.arguments[1], setting.valueType());
             QVERIFY(!session.call(*setting.setter, {value}).error);
             const Reply reply = session.call(*setting.getter);
             QVERIFY(!reply.error);

@@ -44,7 +44,7 @@ void printResult(Output &output, const Operation &operation, const QJsonValue &r
 bool tellsSecret(const Operation &operation, const QStringList &texts)
 {
     return operation.hasResult() &&
-           (isSecret(operation.name) || std::any_of(texts.begin(), texts.end(), isSecret));
+           (operation.isSecret || std::any_of(texts.begin(), texts.end(), isSecret));
 }
 
 ExitStatus runCall(const Request &request)
@@ -66,7 +66,7 @@ ExitStatus runCall(const Request &request)
         return ExitStatus::Done;
     }
     printResult(request.output, operation, withoutSecrets(toJson(reply.value, operation.result)));
-    const bool isOutcome = operation.result.name == QLatin1String("bool") && !operation.isQuery();
+    const bool isOutcome = operation.result.name == QLatin1String("bool") && !operation.isQuery;
     if (isOutcome && !reply.value.toBool()) {
         throw Failure(ExitStatus::Failed,
                       about(operation.name, QStringLiteral("the service refused")));

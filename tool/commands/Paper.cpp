@@ -19,8 +19,8 @@ const QString currentPaperSetting = QStringLiteral("PaperSize");
 /// Whether the operation asks about a paper that is named.
 bool asksAboutPaper(const Operation &operation)
 {
-    return operation.isQuery() && operation.parameters.size() == 1 &&
-           operation.parameters[0].name == QLatin1String("paper");
+    return operation.isQuery && operation.parameters.size() == 1 &&
+           operation.parameterOf(contract::Role::Paper);
 }
 
 QString currentPaper(Session &session, const Catalogue &catalogue)
@@ -47,8 +47,8 @@ ExitStatus runPaper(const Request &request)
         if (reply.error)
             throw Failure(ExitStatus::Failed, *reply.error);
         const QJsonValue value = toJson(reply.value, operation.result);
-        geometry.insert(operation.settingName(), value);
-        rows.append({operation.settingName(), toText(value)});
+        geometry.insert(operation.bareName(), value);
+        rows.append({operation.bareName(), toText(value)});
     }
 
     if (request.output.isJson()) {

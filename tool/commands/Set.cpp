@@ -3,7 +3,6 @@
 #include "commands/Commands.h"
 
 #include "library/Lookup.h"
-#include "library/Secret.h"
 #include "library/Session.h"
 #include "library/Value.h"
 #include "terminal/Output.h"
@@ -23,11 +22,11 @@ ExitStatus runSet(const Request &request)
     const bool flag = request.hasOption(flagOption);
     if (flag && !setting.takesFlag())
         throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no flag").arg(setting.name));
-    const ValueType &type = setting.setter->parameters[0].type;
+    const ValueType &type = setting.valueType();
     QVariant value;
     if (request.arguments.size() == 2) {
         value = argumentFromText(request.arguments[1], type);
-    } else if (!isSecret(setting.name)) {
+    } else if (!setting.isSecret) {
         throw Failure(ExitStatus::Usage, QStringLiteral("%1: no value given").arg(setting.name));
     }
 

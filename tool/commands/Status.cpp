@@ -43,7 +43,7 @@ const QVector<Fact> &facts()
 /// Whether the operation asks something about the embosser that is true or false.
 bool isCapability(const Operation &operation)
 {
-    return operation.isQuery() && !operation.isGetter() && operation.parameters.isEmpty() &&
+    return operation.isQuery && operation.setting.isEmpty() && operation.parameters.isEmpty() &&
            operation.result.name == QLatin1String("bool");
 }
 

@@ -18,9 +18,8 @@ const QString valueListOperation = QStringLiteral("getValueList");
 
 ExitStatus runValues(const Request &request)
 {
-    const ValueType rowType{QStringLiteral("int"), Enumeration(QStringLiteral("RowValueList"))};
-    const QVariant row = argumentFromText(request.arguments[0], rowType);
     const Operation &operation = operationFor(request.catalogue, valueListOperation, 1);
+    const QVariant row = argumentFromText(request.arguments[0], operation.parameters[0].type);
 
     Session session(request.collection);
     session.requireConnection();

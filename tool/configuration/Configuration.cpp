@@ -73,7 +73,7 @@ QStringList secretSettings(const Catalogue &catalogue)
 {
     QStringList names;
     for (const Setting &setting : catalogue.settings()) {
-        if (canBeRestored(setting) && isSecret(setting.name))
+        if (canBeRestored(setting) && setting.isSecret)
             names.append(setting.name);
     }
     return names;
@@ -93,7 +93,7 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
         for (const Setting &setting : settings) {
             progress.step();
             DeferredSignals::throwIfCome();
-            if (!canBeRestored(setting) || isSecret(setting.name))
+            if (!canBeRestored(setting) || setting.isSecret)
                 continue;
             const Reply reply = session.call(*setting.getter);
             if (reply.error) {

@@ -39,8 +39,7 @@ void Restoration::setTargets(const Configuration &configuration, const Catalogue
         try {
             const Setting &setting = writableSetting(catalogue, value.key());
             readableSetting(catalogue, value.key());
-            const QVariant argument =
-                argumentFromJson(value.value(), setting.setter->parameters[0].type);
+            const QVariant argument = argumentFromJson(value.value(), setting.valueType());
             m_targets.insert(value.key(), {&setting, argument, value.value(), false, {}});
             m_outcomes.insert(value.key(), {Outcome::NotTried, QStringLiteral("not tried")});
         } catch (const Failure &failure) {

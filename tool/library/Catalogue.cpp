@@ -2,31 +2,19 @@
 
 #include "library/Catalogue.h"
 
+#include <contract/Interface.h>
 #include <libconfigurationmanager/ConfigurationManager.h>
 
-#include <QtCore/QFile>
 #include <QtCore/QHash>
 #include <QtCore/QMetaMethod>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
-
-// Outside of any namespace, as Q_INIT_RESOURCE needs it: a static library's resources are not in
-// the program by themselves.
-static void initResource()
-{
-    Q_INIT_RESOURCE(interface);
-}
 
 namespace tool {
 
 using libconfigurationmanager::detail::ConfigurationManager;
 
 namespace {
-
-const QString introspectionFile = QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml");
-const QString interfaceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 
 ValueType valueType(const QByteArray &name)
 {
@@ -47,42 +35,61 @@ Operation operationOf(const QMetaMethod &method)
     return operation;
 }
 
-/// The enumeration in whose numbers a plain int is given, where the meaning names one.
-Enumeration mentionedEnumeration(const QString &meaning)
+/// The type of a value that the library has as a plain int, if the contract knows what it counts.
+void setEnumeration(ValueType *type, const QString &enumeration)
 {
-    static const QRegularExpression mention(QStringLiteral("\\blcm::(\\w+)"));
-    return Enumeration(mention.match(meaning).captured(1));
+    if (!type->enumeration.isValid())
+        type->enumeration = Enumeration(enumeration);
 }
 
-void setEnumerationOfPlainInt(ValueType *type, const Enumeration &enumeration)
+void describe(Operation *operation, const contract::Method &method)
 {
-    if (type->name == QLatin1String("int"))
-        type->enumeration = enumeration;
+    operation->remoteMethod = method.name;
+    operation->family = method.family;
+    operation->meaning = method.sentence;
+    operation->setting = method.setting;
+    operation->writes = method.writes;
+    operation->isSecret = method.isSecret;
+    operation->isQuery = !method.writes && !method.meaning.isEmpty();
+    setEnumeration(&operation->result, method.resultEnumeration);
+    // The library's parameters are sent in their order.
+    auto parameter = operation->parameters.begin();
+    for (const contract::Argument &argument : method.arguments) {
+        if (argument.role == contract::Role::CollectionId)
+            continue;
+        parameter->role = argument.role;
+        setEnumeration(&parameter->type, argument.enumeration);
+        ++parameter;
+    }
 }
 
 bool readsSetting(const Operation &operation)
 {
-    return operation.isGetter() && operation.requiredParameters == 0 && operation.hasResult();
+    return !operation.setting.isEmpty() && !operation.writes && operation.requiredParameters == 0;
 }
 
 bool writesSetting(const Operation &operation)
 {
-    return operation.isSetter() && operation.requiredParameters <= 1 &&
-           !operation.parameters.isEmpty();
+    return operation.writes && operation.requiredParameters <= 1 &&
+           operation.parameterOf(contract::Role::Value);
 }
 
 } // namespace
 
+const ValueType &Setting::valueType() const
+{
+    return setter ? setter->parameterOf(contract::Role::Value)->type : getter->result;
+}
+
 bool Setting::takesFlag() const
 {
-    return setter && setter->parameters.size() == 2 &&
-           setter->parameters[1].name == QLatin1String("flag");
+    return setter && setter->parameterOf(contract::Role::Flag);
 }
 
 Catalogue::Catalogue()
 {
     readMetaObject();
-    readIntrospection();
+    readContract();
     pairSettings();
 }
 
@@ -101,43 +108,17 @@ void Catalogue::readMetaObject()
     }
 }
 
-void Catalogue::readIntrospection()
+void Catalogue::readContract()
 {
     QHash<QByteArray, Operation *> bySignature;
     for (Operation &operation : m_operations)
         bySignature.insert(operation.forms.first().methodSignature(), &operation);
-
-    initResource();
-    QFile file(introspectionFile);
-    if (!file.open(QFile::ReadOnly))
-        qFatal("%s: %s", qPrintable(introspectionFile), qPrintable(file.errorString()));
-    QXmlStreamReader xml(&file);
-    QString remoteMethod;
-    QHash<QString, QString> annotations;
-    while (!xml.atEnd()) {
-        const auto token = xml.readNext();
-        const QString name = xml.attributes().value(QLatin1String("name")).toString();
-        if (token == QXmlStreamReader::StartElement && xml.name() == QLatin1String("method")) {
-            remoteMethod = name;
-            annotations.clear();
-        } else if (token == QXmlStreamReader::StartElement &&
-                   xml.name() == QLatin1String("annotation")) {
-            annotations.insert(name, xml.attributes().value(QLatin1String("value")).toString());
-        } else if (token == QXmlStreamReader::EndElement && xml.name() == QLatin1String("method")) {
-            const QString signature =
-                annotations.value(interfaceName + QStringLiteral(".Operation"));
-            Operation *operation = bySignature.value(
-                QMetaObject::normalizedSignature(signature.toLatin1().constData()));
-            if (!operation)
-                continue;
-            operation->remoteMethod = remoteMethod;
-            operation->family = annotations.value(interfaceName + QStringLiteral(".Family"));
-            operation->meaning = annotations.value(QStringLiteral("org.gtk.GDBus.DocString"));
-            const Enumeration enumeration = mentionedEnumeration(operation->meaning);
-            setEnumerationOfPlainInt(&operation->result, enumeration);
-            for (Parameter &parameter : operation->parameters)
-                setEnumerationOfPlainInt(&parameter.type, enumeration);
-        }
+    for (const contract::Method &method : contract::Interface::configurationManager().methods()) {
+        const QByteArray signature = method.operation.toLatin1();
+        Operation *operation =
+            bySignature.value(QMetaObject::normalizedSignature(signature.constData()));
+        if (operation)
+            describe(operation, method);
     }
 }
 
@@ -149,15 +130,19 @@ void Catalogue::pairSettings()
             indexes.insert(name, m_settings.size());
             Setting setting;
             setting.name = name;
+            const contract::Setting *known =
+                contract::Interface::configurationManager().setting(name);
+            setting.isSecret = known && known->isSecret();
+            setting.isIdentity = known && known->isIdentity();
             m_settings.append(setting);
         }
         return m_settings[indexes.value(name)];
     };
     for (const Operation &operation : qAsConst(m_operations)) {
         if (readsSetting(operation))
-            settingOf(operation.settingName()).getter = &operation;
+            settingOf(operation.setting).getter = &operation;
         if (writesSetting(operation))
-            settingOf(operation.settingName()).setter = &operation;
+            settingOf(operation.setting).setter = &operation;
     }
 }
 

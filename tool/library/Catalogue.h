@@ -11,12 +11,19 @@
 
 namespace tool {
 
-/// What getX() reads and setX(value) writes; either may be missing.
+/// What one operation reads and another writes without a key; either may be missing.
 struct Setting
 {
     QString name;
     const Operation *getter = nullptr;
     const Operation *setter = nullptr;
+    /// Its value is shown only to whoever asks for it alone.
+    bool isSecret = false;
+    /// It tells one device from another, or what one has done so far.
+    bool isIdentity = false;
+
+    /// What is written or, where nothing is, read.
+    const ValueType &valueType() const;
 
     /// Whether the setter takes the service's own flag beside the value.
     bool takesFlag() const;
@@ -44,7 +51,7 @@ public:
 
 private:
     void readMetaObject();
-    void readIntrospection();
+    void readContract();
     void pairSettings();
 
     QVector<Operation> m_operations;

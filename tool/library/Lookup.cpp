@@ -9,13 +9,13 @@ namespace tool {
 
 namespace {
 
-/// The operations that reach a setting of this name, but only with a key beside the value.
-QStringList keyedOperations(const Catalogue &catalogue, const QString &name,
-                            bool (Operation::*isOfKind)() const)
+/// The operations that reach what has this name, but only with a key beside the value.
+QStringList keyedOperations(const Catalogue &catalogue, const QString &name, bool write)
 {
     QStringList names;
     for (const Operation &operation : catalogue.operations()) {
-        if (operation.settingName() == name && (operation.*isOfKind)())
+        const bool writes = !operation.isQuery;
+        if (operation.bareName() == name && operation.name != name && writes == write)
             names.append(QStringLiteral("'embosserctl call %1'").arg(operation.name));
     }
     return names;
@@ -36,10 +36,9 @@ const Setting &readableSetting(const Catalogue &catalogue, const QString &name)
     const Setting *setting = catalogue.setting(name);
     if (setting && setting->getter)
         return *setting;
-    throw Failure(ExitStatus::Usage,
-                  QStringLiteral("there is no readable setting '%1'%2")
-                      .arg(name, hint(keyedOperations(catalogue, name, &Operation::isGetter), name,
-                                      catalogue.readableSettings())));
+    throw Failure(ExitStatus::Usage, QStringLiteral("there is no readable setting '%1'%2")
+                                         .arg(name, hint(keyedOperations(catalogue, name, false),
+                                                         name, catalogue.readableSettings())));
 }
 
 const Setting &writableSetting(const Catalogue &catalogue, const QString &name)
@@ -47,10 +46,9 @@ const Setting &writableSetting(const Catalogue &catalogue, const QString &name)
     const Setting *setting = catalogue.setting(name);
     if (setting && setting->setter)
         return *setting;
-    throw Failure(ExitStatus::Usage,
-                  QStringLiteral("there is no writable setting '%1'%2")
-                      .arg(name, hint(keyedOperations(catalogue, name, &Operation::isSetter), name,
-                                      catalogue.writableSettings())));
+    throw Failure(ExitStatus::Usage, QStringLiteral("there is no writable setting '%1'%2")
+                                         .arg(name, hint(keyedOperations(catalogue, name, true),
+                                                         name, catalogue.writableSettings())));
 }
 
 QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name)

@@ -2,14 +2,9 @@
 
 #include "library/Operation.h"
 
+#include <algorithm>
+
 namespace tool {
-
-namespace {
-
-const QString getterPrefix = QStringLiteral("get");
-const QString setterPrefix = QStringLiteral("set");
-
-} // namespace
 
 QString Operation::signature() const
 {
@@ -42,27 +37,18 @@ const QMetaMethod &Operation::form(int arguments) const
     return forms[parameters.size() - arguments];
 }
 
-bool Operation::isGetter() const
+QString Operation::bareName() const
 {
-    return name.startsWith(getterPrefix);
+    const bool hasPrefix =
+        name.startsWith(QLatin1String("get")) || name.startsWith(QLatin1String("set"));
+    return hasPrefix ? name.mid(3) : name;
 }
 
-bool Operation::isSetter() const
+const Parameter *Operation::parameterOf(contract::Role role) const
 {
-    return name.startsWith(setterPrefix);
-}
-
-QString Operation::settingName() const
-{
-    return isGetter()   ? name.mid(getterPrefix.size())
-           : isSetter() ? name.mid(setterPrefix.size())
-                        : QString();
-}
-
-bool Operation::isQuery() const
-{
-    return isGetter() || name.startsWith(QLatin1String("is")) ||
-           name.startsWith(QLatin1String("has"));
+    const auto parameter = std::find_if(parameters.begin(), parameters.end(),
+                                        [&](const Parameter &each) { return each.role == role; });
+    return parameter == parameters.end() ? nullptr : &*parameter;
 }
 
 } // namespace tool

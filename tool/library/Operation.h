@@ -5,6 +5,8 @@
 
 #include "library/Enumeration.h"
 
+#include <contract/Interface.h>
+
 #include <QtCore/QMetaMethod>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -23,9 +25,10 @@ struct Parameter
 {
     QString name;
     ValueType type;
+    contract::Role role = contract::Role::Other;
 };
 
-/// An operation of the library, as its meta-object and its introspection XML tell.
+/// An operation of the library, as its meta-object and the contract tell.
 struct Operation
 {
     QString name;
@@ -36,10 +39,16 @@ struct Operation
     /// The method with all parameters, followed by those that leave out the last ones.
     QVector<QMetaMethod> forms;
 
-    /// From the introspection XML; empty when the library is newer than this program.
+    /// From the contract; empty when the library is newer than this program.
     QString meaning;
     QString family;
     QString remoteMethod;
+    /// What the operation reads or writes, if it is about a setting.
+    QString setting;
+    bool writes = false;
+    bool isSecret = false;
+    /// Whether the operation only asks, so that a result of false is an answer, no refusal.
+    bool isQuery = false;
 
     /// "name(type, type)", by which overloads are told apart.
     QString signature() const;
@@ -47,17 +56,15 @@ struct Operation
     /// The parameters as written in a manual: "(int value[, bool flag])".
     QString parameterList() const;
 
-    /// What getX() and setX() are about, or nothing for an operation of another kind.
-    QString settingName() const;
-    bool isGetter() const;
-    bool isSetter() const;
+    /// The name without "get" or "set".
+    QString bareName() const;
+
+    /// The parameter of that role, or null.
+    const Parameter *parameterOf(contract::Role role) const;
 
     bool hasResult() const { return result.name != QLatin1String("void"); }
     bool accepts(int arguments) const;
     const QMetaMethod &form(int arguments) const;
-
-    /// Whether the operation only asks, so that a result of false is an answer, no refusal.
-    bool isQuery() const;
 };
 
 } // namespace tool

@@ -2,6 +2,8 @@
 
 #include "library/Secret.h"
 
+#include <contract/Interface.h>
+
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
@@ -9,6 +11,9 @@ namespace tool {
 
 bool isSecret(const QString &name)
 {
+    if (const contract::Setting *known = contract::Interface::configurationManager().setting(name))
+        return known->isSecret();
+    // The service's own names in a map, and names that somebody has added to a file.
     return name.contains(QLatin1String("passphrase"), Qt::CaseInsensitive) ||
            name.contains(QLatin1String("password"), Qt::CaseInsensitive);
 }

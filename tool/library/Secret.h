@@ -8,7 +8,8 @@
 
 namespace tool {
 
-/// Whether the setting or operation of this name deals in a secret, such as a passphrase.
+/// Whether what has this name is secret: a setting that the contract says so of, or something that
+/// it does not know but whose name says so.
 bool isSecret(const QString &name);
 
 /// The value with null in the place of every secret that a map in it holds.

@@ -57,24 +57,24 @@ QVariant invoke(QObject *object, const QMetaMethod &method, const ValueType &res
     throw Failure(ExitStatus::NotConnected, QStringLiteral("not connected: %1").arg(reason));
 }
 
-/// The secrets in a value of that name; all that is in a secret map or list is secret.
-QStringList secretsIn(const QString &name, const QVariant &value)
+/// The secrets in a value; all that is in a secret map or list is secret.
+QStringList secretsIn(const QVariant &value, bool isValueSecret)
 {
     QStringList secrets;
-    if (isSecret(name))
+    if (isValueSecret)
         secrets.append(value.toString());
     for (const QVariant &element : value.toList())
-        secrets += secretsIn(name, element);
+        secrets += secretsIn(element, isValueSecret);
     const QVariantMap map = value.toMap();
     for (auto entry = map.begin(); entry != map.end(); ++entry)
-        secrets += secretsIn(isSecret(name) ? name : entry.key(), entry.value());
+        secrets += secretsIn(entry.value(), isValueSecret || isSecret(entry.key()));
     return secrets;
 }
 
 /// The secrets among what the service was given.
 QStringList givenSecrets(const Operation &operation, const QVariantList &arguments)
 {
-    QStringList secrets = secretsIn(operation.name, arguments);
+    QStringList secrets = secretsIn(arguments, operation.isSecret);
     secrets.removeAll(QString());
     return secrets;
 }
