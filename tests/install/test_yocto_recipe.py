@@ -7,7 +7,7 @@ import re
 import tempfile
 import unittest
 
-from project import CACHE, SOURCE, VERSION, install
+from project import CACHE, SOURCE, install
 
 RECIPE = next((SOURCE / "packaging/yocto").glob("*.bb"))
 TEXT = RECIPE.read_text()
@@ -17,9 +17,6 @@ FOLDERS = {"bindir": "bin", "datadir": "share", "nonarch_libdir": "lib"}
 
 
 class Recipe(unittest.TestCase):
-    def test_has_the_version_of_the_project(self):
-        self.assertEqual(RECIPE.stem, f"libconfigurationmanager_{VERSION}")
-
     def test_has_the_sum_of_the_licence(self):
         digest = hashlib.md5((SOURCE / "LICENSE").read_bytes()).hexdigest()
         self.assertIn(f"file://LICENSE;md5={digest}", TEXT)
