@@ -85,20 +85,34 @@ temporary_folder() {
         "name of at most 50 letters, digits and /._-, in which programs can be run"
 }
 
+# Prints after how many seconds a test is to be taken for one that hangs: 300 on a fast and idle
+# machine, the more the longer five starts of the tool take, in an emulator or beside other work.
+time_limit() {
+    local start
+    start=$(date +%s%3N)
+    for _ in {1..5}; do
+        "$@" --version >/dev/null
+    done
+    echo $((300 + $(date +%s%3N) - start))
+}
+
 # Runs the tests of a preset's build; what follows goes to ctest. Ends with the tests that were
 # skipped, and why; they are kept in build/skipped-tests under the name of the script.
 #
 # test_apart: what ctest is run by, if the tests must not see other processes.
+# emulator: what the programs are run by, if they are another machine's.
 test_apart=()
+emulator=()
 run_tests() {
     local -x TMPDIR
     TMPDIR=$(temporary_folder)
     local folder=build/$1 skipped=build/skipped-tests/${0##*/} status=0
     shift
     "${test_apart[@]}" ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure \
-        --no-tests=error "$@" || status=$?
+        --no-tests=error --timeout "$(time_limit "${emulator[@]}" "$folder/tool/embosserctl")" "$@" \
+        || status=$?
     mkdir -p build/skipped-tests
-    awk -f scripts/skipped-tests.awk "$folder/Testing/Temporary/LastTest.log" | sort >"$skipped"
+    awk -f scripts/skipped-tests.awk "$folder/Testing/Temporary/LastTest.log" | sort --unique >"$skipped"
     if [ -s "$skipped" ]; then
         printf '\nSkipped:\n'
         sed 's/^/    /' "$skipped"

@@ -7,10 +7,10 @@
     named = 0
 }
 
-# QtTest: "SKIP   : TestClass::function(row) reason"
+# QtTest: "SKIP   : TestClass::function(row) reason"; once for all rows with the same reason
 match($0, /^SKIP +: [^:]*::[^(]*\([^)]*\) /) {
     name = substr($0, 1, RLENGTH - 1)
-    sub(/^.*::/, "", name)
+    gsub(/^.*::|\(.*$/, "", name)
     print test " " name ": " substr($0, RLENGTH + 1)
 }
 

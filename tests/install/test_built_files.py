@@ -2,6 +2,7 @@
 """The installed programs and libraries are hardened and need nothing that they do not use."""
 
 import json
+import os
 import pathlib
 import re
 import tempfile
@@ -9,6 +10,7 @@ import unittest
 
 from project import BUILD, install, run
 
+COMPILER_ID = os.environ["COMPILER_ID"]
 COMPILER = {"libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6", "ld-linux-armhf.so.3"}
 NEEDED = {
     "lib/libconfigurationmanager.so": {"libQt5Core.so.5", "libQt5DBus.so.5", "libtavelorn.so.1"},
@@ -72,11 +74,13 @@ class BuiltFiles(unittest.TestCase):
                          "__stack_chk_fail")
 
     def test_watch_their_buffers(self):
-        # Only a function that the C library knows to check shows in the file.
-        self.assertIn("_chk@", run("nm", "--dynamic", self.prefix / "bin/embosser-simulator"))
         commands = json.loads((BUILD / "compile_commands.json").read_text())
         for command in commands:
             self.assertRegex(command["command"], "_FORTIFY_SOURCE=[23]", command["file"])
+
+    @unittest.skipIf(COMPILER_ID == "Clang", "Clang calls them for memcpy() and the like only")
+    def test_call_functions_that_watch_buffers(self):
+        self.assertIn("_chk@", run("nm", "--dynamic", self.prefix / "bin/embosser-simulator"))
 
     def test_have_versioned_names(self):
         for library in ("libconfigurationmanager", "libtavelorn"):

@@ -84,6 +84,15 @@ bool canMount()
     return waitForEnd(mount).exitCode == 0;
 }
 
+/// What systemd says of a unit; in a container that has no systemd, it may say no to every one.
+Ended verify(const QString &unit)
+{
+    ChildProcess analyze(QStringLiteral("systemd-analyze"), {QStringLiteral("verify"), unit});
+    analyze.setProcessChannelMode(QProcess::SeparateChannels);
+    analyze.start();
+    return waitForEnd(analyze);
+}
+
 /// A process of another user.
 class OthersProcess : public ChildProcess
 {
@@ -140,11 +149,15 @@ private Q_SLOTS:
 
     void systemdAcceptsTheUnitAndFindsItSafe()
     {
+        const QTemporaryDir directory;
+        const QString least = directory.filePath(QStringLiteral("least.service"));
+        write(least, "[Service]\nExecStart=/bin/true\n");
+        if (verify(least).exitCode != 0) {
+            QTest::qSkip("systemd-analyze accepts nothing on this machine", __FILE__, __LINE__);
+            return;
+        }
         const QString unit = installed("lib/systemd/system/embosser-simulator.service");
-        ChildProcess verify(QStringLiteral("systemd-analyze"), {QStringLiteral("verify"), unit});
-        verify.setProcessChannelMode(QProcess::SeparateChannels);
-        verify.start();
-        const Ended verified = waitForEnd(verify);
+        const Ended verified = verify(unit);
         QCOMPARE(verified.exitCode, 0);
         QVERIFY2(!verified.errors.contains(QLatin1String("embosser-simulator.service")),
                  qPrintable(verified.errors));

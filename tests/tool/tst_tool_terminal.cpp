@@ -31,7 +31,8 @@ private Q_SLOTS:
 
     void init()
     {
-        if (!Terminal::areThere()) {
+        const bool needsTerminal = qstrcmp(QTest::currentTestFunction(), "keepsAPipePlain") != 0;
+        if (needsTerminal && !Terminal::areThere()) {
             QTest::qSkip("this machine has no pseudo-terminal", __FILE__, __LINE__);
             return;
         }
