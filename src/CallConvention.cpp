@@ -2,18 +2,13 @@
 
 #include "ConfigurationManager_p.h"
 
-#include "Marshallable.h"
-
 #include <libtavelorn/DBusService.h>
 
 #include <QtCore/QDebug>
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QMetaMethod>
 #include <QtCore/QMutexLocker>
-#include <QtDBus/QDBusAbstractInterface>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
-#include <QtDBus/QDBusPendingCall>
 #include <QtDBus/QDBusReply>
 
 namespace libconfigurationmanager {
@@ -23,22 +18,10 @@ namespace {
 
 const QLoggingCategory category("libconfigurationmanager.ConfigurationManager", QtCriticalMsg);
 
-QMetaMethod methodOf(Operation operation)
-{
-    const QMetaObject &metaObject = ConfigurationManagerPrivate::staticMetaObject;
-    return metaObject.method(metaObject.methodOffset() + int(operation.slot()));
-}
-
-QString remoteMethodOf(Operation operation)
-{
-    const char *name = remoteMethodOfAnotherName(operation.slot());
-    return name ? QLatin1String(name) : QLatin1String(methodOf(operation).name());
-}
-
 /// The private method as the compiler names it in __PRETTY_FUNCTION__.
 QByteArray functionOf(Operation operation)
 {
-    const QMetaMethod method = methodOf(operation);
+    const QMetaMethod method = operation.metaMethod();
     QByteArray parameters = method.methodSignature();
     parameters.replace(',', ", ");
     if (!operation.has(TakesTextByValue))
@@ -95,25 +78,6 @@ Result ConfigurationManagerPrivate::perform(Operation operation,
     }
     const QMutexLocker locker(&mutex);
     return resultOf<Result>(send(operation, arguments), operation);
-}
-
-QDBusMessage ConfigurationManagerPrivate::send(Operation operation,
-                                               std::initializer_list<Argument> arguments) const
-{
-    QVariantList values;
-    values.reserve(int(arguments.size()) + 1);
-    for (const Argument &argument : arguments)
-        values.append(QVariant(argument.type, argument.value));
-    if (operation.has(SendsCollectionId))
-        values.insert(values.size() - operation.has(EndsInFlag), collectionId);
-    const QString problem = marshallingProblem(values);
-    if (!problem.isEmpty())
-        return QDBusMessage::createError(QDBusError::InvalidArgs, problem);
-    // Not call(): Qt's blocking calls share the reply, and the error of the connection, with Qt's
-    // own D-Bus thread without a lock, so that ordinary errors corrupt the heap.
-    QDBusPendingCall call = interface->asyncCallWithArgumentList(remoteMethodOf(operation), values);
-    call.waitForFinished();
-    return call.reply();
 }
 
 template void ConfigurationManagerPrivate::perform(Operation,

@@ -5,7 +5,7 @@
 
 #include "Slot.h"
 
-#include <QtCore/QMetaType>
+#include <QtCore/QMetaMethod>
 
 namespace libconfigurationmanager {
 namespace detail {
@@ -34,6 +34,9 @@ public:
     }
 
     constexpr Slot slot() const { return Slot(m_slot); }
+
+    /// What the meta-object of the private class says of the operation.
+    QMetaMethod metaMethod() const;
 
     /// The line in sourceFile.
     constexpr int line() const { return int(m_line); }
