@@ -283,7 +283,7 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.value("processSequence", {QVariantMap()}), QVariant(true));
     }
 
-    void aSequenceIsAppliedNotAtAll_data()
+    void processSequenceIsAtomic_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QVariant>("value");
@@ -304,7 +304,7 @@ private Q_SLOTS:
                                 << "TabSize: takes a value of D-Bus type i";
     }
 
-    void aSequenceIsAppliedNotAtAll()
+    void processSequenceIsAtomic()
     {
         QFETCH(QString, name);
         QFETCH(QVariant, value);

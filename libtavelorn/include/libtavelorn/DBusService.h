@@ -43,7 +43,7 @@ Q_SIGNALS:
 
     /// The service has left the bus, or the bus itself is lost.
     ///
-    /// A service that replaces another one is a leaving and a coming.
+    /// When one service replaces another, disconnected() is emitted first, then connected().
     void disconnected();
 
 private:
