@@ -2,9 +2,10 @@
 
 #include "bus/Faults.h"
 
-#include "model/Interface.h"
 #include "state/RecentEntries.h"
 #include "state/Refusal.h"
+
+#include <contract/Interface.h>
 
 #include <QtCore/QStringList>
 
@@ -71,7 +72,7 @@ void checkDetail(const KindDescription &description, const QString &detail)
 
 } // namespace
 
-Faults::Faults(const Interface &interface) : m_interface(interface) {}
+Faults::Faults(const contract::Interface &interface) : m_interface(interface) {}
 
 QString Faults::kinds()
 {

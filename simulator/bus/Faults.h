@@ -9,9 +9,11 @@
 
 #include <optional>
 
-namespace simulator {
-
+namespace contract {
 class Interface;
+} // namespace contract
+
+namespace simulator {
 
 /// Something that goes wrong in a call.
 struct Fault
@@ -38,7 +40,7 @@ class Faults : public QObject
 {
     Q_OBJECT
 public:
-    explicit Faults(const Interface &interface);
+    explicit Faults(const contract::Interface &interface);
 
     /// The names of the kinds, each with its meaning and that of its detail, for a reader.
     static QString kinds();
@@ -64,7 +66,7 @@ Q_SIGNALS:
     void happened(const QString &kind, const QString &method);
 
 private:
-    const Interface &m_interface;
+    const contract::Interface &m_interface;
     QVector<Fault> m_pending;
     QVector<Fault> m_history;
 };

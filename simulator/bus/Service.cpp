@@ -5,7 +5,6 @@
 #include "bus/Faults.h"
 #include "methods/Call.h"
 #include "model/DBusTypes.h"
-#include "model/Interface.h"
 #include "model/Profile.h"
 #include "model/Settings.h"
 #include "state/Configuration.h"
@@ -13,6 +12,8 @@
 #include "state/ServiceLog.h"
 #include "state/Store.h"
 #include "state/UserSettings.h"
+
+#include <contract/Interface.h>
 
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusArgument>
@@ -26,9 +27,19 @@ namespace simulator {
 
 namespace {
 
-const Method &checkedMethod(const Interface &interface, const QDBusMessage &message)
+/// As a reader takes them in, e.g. "(i value, s collectionId)".
+QString describe(const QVector<contract::Argument> &arguments)
 {
-    const Method *method = interface.method(message.member());
+    QStringList list;
+    for (const contract::Argument &argument : arguments)
+        list += argument.type + QLatin1Char(' ') + argument.name;
+    return QLatin1Char('(') + list.join(QStringLiteral(", ")) + QLatin1Char(')');
+}
+
+const contract::Method &checkedMethod(const contract::Interface &interface,
+                                      const QDBusMessage &message)
+{
+    const contract::Method *method = interface.method(message.member());
     if (!method)
         throw Refusal{
             QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"),
@@ -36,7 +47,7 @@ const Method &checkedMethod(const Interface &interface, const QDBusMessage &mess
     if (message.signature() != method->signature())
         throw invalidArguments(
             QStringLiteral("%1 takes %2, of signature \"%3\"; it was called with \"%4\"")
-                .arg(method->name, method->describeArguments(), method->signature(),
+                .arg(method->name, describe(method->arguments), method->signature(),
                      message.signature()));
     return *method;
 }
@@ -71,7 +82,7 @@ QString nameOf(const Setting &setting, const Call &call)
 {
     if (!setting.keyed)
         return setting.name;
-    return setting.name + QLatin1Char('/') + call.argument(keyArgument(call.method())).toString();
+    return setting.name + QLatin1Char('/') + call.argument(contract::Role::Key).toString();
 }
 
 /// The value as the method answers it: the two are of different types where a setting is written as
@@ -85,7 +96,7 @@ QVariant converted(const QVariant &value, const QString &dbusType)
 
 } // namespace
 
-Service::Service(const Interface &interface, Configuration &configuration,
+Service::Service(const contract::Interface &interface, Configuration &configuration,
                  UserSettings &userSettings, ServiceLog &log, Faults &faults,
                  const MethodTable &methods)
     : m_interface(interface),
@@ -96,7 +107,7 @@ Service::Service(const Interface &interface, Configuration &configuration,
       m_methods(methods)
 {
     QStringList others;
-    for (const Method &method : interface.methods()) {
+    for (const contract::Method &method : interface.methods()) {
         const Settings &settings = configuration.settings();
         if (!methods.contains(method.name) && !settings.writtenBy(method) &&
             !settings.readBy(method))
@@ -162,7 +173,7 @@ QDBusMessage Service::answerTo(const QDBusMessage &message)
 {
     QDBusMessage answer;
     try {
-        const Method &method = checkedMethod(m_interface, message);
+        const contract::Method &method = checkedMethod(m_interface, message);
         const QVariantList arguments = demarshalled(message.arguments());
         const QVariant result = carryOut(Call(method, arguments));
         answer = result.isValid() ? message.createReply(result) : message.createReply();
@@ -177,20 +188,19 @@ QDBusMessage Service::answerTo(const QDBusMessage &message)
 
 QVariant Service::carryOut(const Call &call)
 {
-    const Method &method = call.method();
+    const contract::Method &method = call.method();
     const auto body = m_methods.constFind(method.name);
     if (body != m_methods.cend())
         return (*body)(call);
     if (const Setting *written = m_configuration.settings().writtenBy(method)) {
         m_userSettings.setValue(nameOf(*written, call), call.collectionId(),
-                                call.argument(valueArgument(method)),
-                                call.argument("flag").toBool());
+                                call.argument(contract::Role::Value), call.flag());
         return method.resultType.isEmpty() ? QVariant() : true;
     }
     if (const Setting *read = m_configuration.settings().readBy(method))
         return converted(m_configuration.value(nameOf(*read, call), call.collectionId()),
                          method.resultType);
-    return m_configuration.profile().answers().value(method.name);
+    return m_configuration.answers().value(method.name);
 }
 
 } // namespace simulator

@@ -8,12 +8,15 @@
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVirtualObject>
 
+namespace contract {
+class Interface;
+} // namespace contract
+
 namespace simulator {
 
 class Call;
 class Configuration;
 class Faults;
-class Interface;
 class ServiceLog;
 class UserSettings;
 struct Fault;
@@ -25,8 +28,9 @@ class Service : public QDBusVirtualObject
 public:
     /// `methods` are of the methods that neither read or write one setting nor have their answer
     /// in the profile. Throws JsonError if that leaves a method without an answer.
-    Service(const Interface &interface, Configuration &configuration, UserSettings &userSettings,
-            ServiceLog &log, Faults &faults, const MethodTable &methods);
+    Service(const contract::Interface &interface, Configuration &configuration,
+            UserSettings &userSettings, ServiceLog &log, Faults &faults,
+            const MethodTable &methods);
 
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
@@ -41,7 +45,7 @@ private:
     QDBusMessage answerTo(const QDBusMessage &message);
     QVariant carryOut(const Call &call);
 
-    const Interface &m_interface;
+    const contract::Interface &m_interface;
     Configuration &m_configuration;
     UserSettings &m_userSettings;
     ServiceLog &m_log;

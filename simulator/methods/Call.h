@@ -3,7 +3,7 @@
 #ifndef SIMULATOR_METHODS_CALL_H
 #define SIMULATOR_METHODS_CALL_H
 
-#include "model/Interface.h"
+#include <contract/Interface.h>
 
 #include <QtCore/QVariant>
 
@@ -13,23 +13,29 @@ namespace simulator {
 class Call
 {
 public:
-    Call(const Method &method, const QVariantList &arguments)
+    Call(const contract::Method &method, const QVariantList &arguments)
         : m_method(method), m_arguments(arguments)
     {
     }
 
-    const Method &method() const { return m_method; }
+    const contract::Method &method() const { return m_method; }
 
-    /// Invalid when the method has no argument of that name.
-    QVariant argument(const QString &name) const;
-    QVariant argument(const char *name) const { return argument(QString::fromLatin1(name)); }
+    /// The arguments as they are given, counted from 0.
+    QVariant argument(int position) const { return m_arguments.at(position); }
+    QString text(int position) const { return argument(position).toString(); }
+    int number(int position) const { return argument(position).toInt(); }
 
-    QString text(const char *name) const { return argument(name).toString(); }
-    int number(const char *name) const { return argument(name).toInt(); }
-    QString collectionId() const { return text("collectionId"); }
+    /// Invalid when the method has no such argument.
+    QVariant argument(contract::Role role) const
+    {
+        return m_arguments.value(m_method.indexOf(role));
+    }
+
+    bool flag() const { return argument(contract::Role::Flag).toBool(); }
+    QString collectionId() const { return argument(contract::Role::CollectionId).toString(); }
 
 private:
-    const Method &m_method;
+    const contract::Method &m_method;
     const QVariantList &m_arguments;
 };
 

@@ -3,6 +3,7 @@
 #include "methods/GeometryQueries.h"
 
 #include "methods/Call.h"
+#include "model/Page.h"
 #include "model/Profile.h"
 #include "state/Configuration.h"
 #include "state/Refusal.h"
@@ -44,15 +45,18 @@ double findSpacing(const Configuration &configuration, const QString &name)
 
 int findRows(const QString &cellDots)
 {
-    const QMap<QString, int> rows{{QStringLiteral("SixDot"), 3}, {QStringLiteral("EightDot"), 4}};
-    return find(rows, "cell", cellDots);
+    const int rows = rowsOf(cellDots);
+    if (rows == 0)
+        throw unknownName(
+            QStringLiteral("there is no cell \"%1\"; there are: EightDot, SixDot").arg(cellDots));
+    return rows;
 }
 
 /// The distance from one row of dots of the front to that of the back which follows it.
 double interlineBackRowOffset(const Configuration &configuration, const Call &call)
 {
-    const Cell cell = findCell(configuration, call.text("first"));
-    const double spacing = findSpacing(configuration, call.text("second"));
+    const Cell cell = findCell(configuration, call.text(0));
+    const double spacing = findSpacing(configuration, call.text(1));
     return (cell.interline ? cell.lineToLine : cell.verticalDotToDot) * spacing / 2;
 }
 
@@ -60,40 +64,42 @@ double interlineBackRowOffset(const Configuration &configuration, const Call &ca
 ///
 ///   d1  distance of two dots, one below the other      s5  paper
 ///   i2  rows of dots in a cell                         s6  braille distance of the cell
-///   d3  gap between the last row and the next line     s7  dots per cell
-///   d4  adjustment, added at the end                   s8  line spacing
+///   d3  distance of two cells, side by side            s7  dots per cell
+///   d4  distance of two lines of three rows            s8  line spacing
 ///
 /// A number that is 0 is taken from the cell, a name that is empty from the settings of the master
-/// collection. The paper feed makes whole steps: the distance is rounded up to steps of the paper.
+/// collection.
 double lineToLine(const Configuration &configuration, const Call &call)
 {
-    const auto given = [&](const char *argument, const char *setting) {
-        const QString name = call.text(argument);
+    const auto given = [&](int position, const char *setting) {
+        const QString name = call.text(position);
         return name.isEmpty() ? configuration.value(QString::fromLatin1(setting)).toString() : name;
     };
-    const double dotToDot = call.argument("d1").toDouble();
-    const int rows = call.number("i2");
-    const double gap = call.argument("d3").toDouble();
-    const double adjustment = call.argument("d4").toDouble();
-    if (!(dotToDot >= 0) || rows < 0 || !(gap >= 0) || !std::isfinite(dotToDot + gap + adjustment))
-        throw invalidArguments(QStringLiteral("getLineToLine: d1, i2 and d3 are not below 0, and "
-                                              "d1, d3 and d4 are finite"));
+    const double dotToDot = call.argument(0).toDouble();
+    const int rows = call.number(1);
+    const double cellToCell = call.argument(2).toDouble();
+    const double lines = call.argument(3).toDouble();
+    if (!(dotToDot >= 0) || rows < 0 || !(cellToCell >= 0) || !(lines >= 0) ||
+        !std::isfinite(dotToDot + cellToCell + lines))
+        throw invalidArguments(QStringLiteral("getLineToLine: d1, i2, d3 and d4 are finite and not "
+                                              "below 0"));
 
-    const QVariantMap paper = findPaper(configuration, given("s5", "PaperSize"));
-    const Cell cell = findCell(configuration, given("s6", "BrailleCellSize"));
-    const int cellRows = findRows(given("s7", "BrailleCellDots"));
-    const double spacing = findSpacing(configuration, given("s8", "BrailleLineSpacing"));
-
-    const double dots = dotToDot > 0 ? dotToDot : cell.verticalDotToDot;
-    // The line distance of a cell is that of three rows.
-    const double space = gap > 0 ? gap : cell.lineToLine - 2 * cell.verticalDotToDot;
-    const double wanted =
-        (((rows > 0 ? rows : cellRows) - 1) * dots + space) * spacing + adjustment;
-    const double step = paper.value(QStringLiteral("stepLength")).toInt() +
-                        paper.value(QStringLiteral("stepLengthFraction")).toInt() / 100.0;
-    // A whole number of steps must not become one more by a rounding error.
-    const double tolerance = 1e-9;
-    return std::ceil(wanted / step - tolerance) * step;
+    const QVariantMap paper = findPaper(configuration, given(4, "PaperSize"));
+    Cell cell = findCell(configuration, given(5, "BrailleCellSize"));
+    const int cellRows = findRows(given(6, "BrailleCellDots"));
+    const double spacing = findSpacing(configuration, given(7, "BrailleLineSpacing"));
+    if (dotToDot > 0) {
+        // The space between the last row of a line and the first of the next stays as it is.
+        cell.lineToLine += 2 * (dotToDot - cell.verticalDotToDot);
+        cell.verticalDotToDot = dotToDot;
+    }
+    if (lines > 0)
+        cell.lineToLine = lines;
+    const double distance = lineDistance(cell, rows > 0 ? rows : cellRows);
+    if (distance <= 0)
+        throw invalidArguments(
+            QStringLiteral("getLineToLine: d4 is too short for the rows that i2 and d1 say"));
+    return inFeedSteps(distance * spacing, paper);
 }
 
 } // namespace
@@ -118,7 +124,7 @@ MethodTable geometryQueries(const Configuration &configuration)
     };
     for (auto property = paperProperties.begin(); property != paperProperties.end(); ++property) {
         methods.insert(property.key(), [&configuration, name = *property](const Call &call) {
-            return findPaper(configuration, call.text("paper")).value(name);
+            return findPaper(configuration, call.text(0)).value(name);
         });
     }
 
@@ -129,11 +135,11 @@ MethodTable geometryQueries(const Configuration &configuration)
     };
     for (auto distance = distances.begin(); distance != distances.end(); ++distance) {
         methods.insert(distance.key(), [&configuration, member = *distance](const Call &call) {
-            return findCell(configuration, call.text("name")).*member;
+            return findCell(configuration, call.text(0)).*member;
         });
     }
     methods.insert(QStringLiteral("getIsInterline"), [&configuration](const Call &call) {
-        return findCell(configuration, call.text("name")).interline;
+        return findCell(configuration, call.text(0)).interline;
     });
     methods.insert(QStringLiteral("getInterlineBackRowOffset"), [&configuration](const Call &call) {
         return interlineBackRowOffset(configuration, call);

@@ -36,17 +36,11 @@ MapList valueList(const Configuration &configuration, int row)
     return list;
 }
 
-struct Range
-{
-    double min;
-    double max;
-};
-
-Range rangeOf(const Configuration &configuration, const QString &name)
+Bounds boundsOf(const Configuration &configuration, const QString &name)
 {
     const Parameter &parameter = configuration.parameter(name);
     if (parameter.min)
-        return {*parameter.min, *parameter.max};
+        return configuration.bounds(name);
     const QVector<Choice> choices = configuration.profile().rows().value(parameter.row);
     if (choices.isEmpty() || configuration.setting(name).type != QLatin1String("i"))
         throw invalidValue(QStringLiteral("%1 has no bounds").arg(name));
@@ -56,18 +50,9 @@ Range rangeOf(const Configuration &configuration, const QString &name)
     return {double(min->value), double(max->value)};
 }
 
-/// What the sentence of a setter says that it sets, e.g. "the baud rate of the serial line".
-QString phraseOf(const Setting &setting)
-{
-    QString phrase = setting.meaning;
-    phrase.remove(QStringLiteral("Sets "));
-    phrase.chop(1);
-    return phrase;
-}
-
 QString proposition(const Configuration &configuration, const QString &name)
 {
-    const QString phrase = phraseOf(configuration.setting(name));
+    const QString phrase = configuration.setting(name).meaning;
     return phrase.left(1).toUpper() + phrase.mid(1);
 }
 
@@ -75,11 +60,11 @@ QString shownValue(const Configuration &configuration, const QString &name)
 {
     const Parameter &parameter = configuration.parameter(name);
     const QVariant value = configuration.value(name);
-    if (parameter.secret)
+    if (configuration.setting(name).secret)
         return value.toString().isEmpty() ? QStringLiteral("not set") : QStringLiteral("set");
-    if (configuration.setting(name).type == QLatin1String("i")) {
+    if (configuration.setting(name).type != QLatin1String("s")) {
         for (const Choice &choice : configuration.profile().rows().value(parameter.row)) {
-            if (value == choice.value)
+            if (value.toDouble() == choice.value)
                 return choice.key;
         }
     }
@@ -92,14 +77,15 @@ QVariantMap descriptionOf(const Configuration &configuration, const QString &nam
     const Parameter &parameter = configuration.parameter(name);
     QVariantMap map{{QStringLiteral("type"), setting.type},
                     {QStringLiteral("family"), setting.family},
-                    {QStringLiteral("meaning"), phraseOf(setting)},
+                    {QStringLiteral("meaning"), setting.meaning},
                     {QStringLiteral("perCollection"), setting.perCollection},
-                    {QStringLiteral("secret"), parameter.secret}};
+                    {QStringLiteral("secret"), configuration.setting(name).secret}};
     if (parameter.initial.isValid())
         map.insert(QStringLiteral("default"), parameter.initial);
     if (parameter.min) {
-        map.insert(QStringLiteral("min"), *parameter.min);
-        map.insert(QStringLiteral("max"), *parameter.max);
+        const Bounds bounds = configuration.bounds(name);
+        map.insert(QStringLiteral("min"), bounds.min);
+        map.insert(QStringLiteral("max"), bounds.max);
     }
     if (setting.type == QLatin1String("d"))
         map.insert(QStringLiteral("precision"), parameter.precision);
@@ -109,6 +95,8 @@ QVariantMap descriptionOf(const Configuration &configuration, const QString &nam
         map.insert(QStringLiteral("unit"), parameter.unit);
     if (!parameter.row.isEmpty())
         map.insert(QStringLiteral("row"), parameter.row);
+    if (!parameter.below.isEmpty())
+        map.insert(QStringLiteral("below"), parameter.below);
     return map;
 }
 
@@ -139,7 +127,7 @@ QVariantMap valuesOf(const Configuration &configuration, const QStringList &name
 QVariantMap volumeLimits(const Configuration &configuration)
 {
     const QString name = QStringLiteral("VolumeFineAdjustment");
-    const Range range = rangeOf(configuration, name);
+    const Bounds range = boundsOf(configuration, name);
     return {{QStringLiteral("min"), int(range.min)},
             {QStringLiteral("max"), int(range.max)},
             {QStringLiteral("default"), configuration.parameter(name).initial}};
@@ -147,16 +135,16 @@ QVariantMap volumeLimits(const Configuration &configuration)
 
 int integerValue(const Configuration &configuration, const Call &call)
 {
-    const QString name = call.text("name");
+    const QString name = call.text(0);
     configuration.requireInteger(name);
     return configuration.value(name, call.collectionId()).toInt();
 }
 
 double number(const Configuration &configuration, const Call &call)
 {
-    const QVariant value = configuration.value(call.text("name"), call.collectionId());
+    const QVariant value = configuration.value(call.text(0), call.collectionId());
     if (value.userType() == QMetaType::QString)
-        throw invalidValue(QStringLiteral("%1 is not a number").arg(call.text("name")));
+        throw invalidValue(QStringLiteral("%1 is not a number").arg(call.text(0)));
     return value.toDouble();
 }
 
@@ -179,11 +167,9 @@ MethodTable parameterQueries(const Configuration &c)
 {
     return {
         {QStringLiteral("getValueList"),
-         [&c](const Call &call) { return QVariant::fromValue(valueList(c, call.number("row"))); }},
+         [&c](const Call &call) { return QVariant::fromValue(valueList(c, call.number(0))); }},
         {QStringLiteral("getTableMetadata"),
-         [&c](const Call &call) {
-             return tableMetadata(c, call.text("first"), call.text("second"));
-         }},
+         [&c](const Call &call) { return tableMetadata(c, call.text(0), call.text(1)); }},
         {QStringLiteral("getTempProperties"),
          [&c](const Call &call) {
              return valuesOf(c, c.profile().temporaryProperties(), call.collectionId());
@@ -195,33 +181,33 @@ MethodTable parameterQueries(const Configuration &c)
         {QStringLiteral("getVolumeFineAdjustmentLimits"),
          [&c](const Call &) { return volumeLimits(c); }},
         {QStringLiteral("getProposition"),
-         [&c](const Call &call) { return proposition(c, call.text("name")); }},
+         [&c](const Call &call) { return proposition(c, call.text(0)); }},
         {QStringLiteral("getValueSentence"),
          [&c](const Call &call) {
-             const QString name = call.text("name");
+             const QString name = call.text(0);
              return QStringLiteral("%1: %2").arg(proposition(c, name), shownValue(c, name));
          }},
-        // The whole numbers within the bounds.
+        // Whole numbers that enclose the bounds, which the models have as such.
         {QStringLiteral("getMinValue"),
-         [&c](const Call &call) { return int(std::ceil(rangeOf(c, call.text("name")).min)); }},
+         [&c](const Call &call) { return int(std::floor(boundsOf(c, call.text(0)).min)); }},
         {QStringLiteral("getMaxValue"),
          [&c](const Call &call) {
-             const double whole = std::floor(rangeOf(c, call.text("name")).max);
+             const double whole = std::ceil(boundsOf(c, call.text(0)).max);
              return int(std::min(whole, double(std::numeric_limits<int>::max())));
          }},
         {QStringLiteral("getPrecision"),
-         [&c](const Call &call) { return c.parameter(call.text("name")).precision; }},
+         [&c](const Call &call) { return c.parameter(call.text(0)).precision; }},
         {QStringLiteral("getIntValue"), [&c](const Call &call) { return integerValue(c, call); }},
         {QStringLiteral("getIntDeltaValue"),
          [&c](const Call &call) {
              return integerValue(c, call) -
-                    c.initialValue(call.text("name"), call.collectionId()).toInt();
+                    c.initialValue(call.text(0), call.collectionId()).toInt();
          }},
         {QStringLiteral("getParamIntValue"),
          [&c](const Call &call) { return int32Of(number(c, call)); }},
         {QStringLiteral("getParamFloatValue"), [&c](const Call &call) { return number(c, call); }},
         {QStringLiteral("returnDocSettingKey"),
-         [&c](const Call &call) { return choiceKey(c, call.text("key"), call.number("number")); }},
+         [&c](const Call &call) { return choiceKey(c, call.text(0), call.number(1)); }},
     };
 }
 

@@ -26,7 +26,7 @@ const QString pageCounter = QStringLiteral("Counter/1");
 QVariantMap embosserReport(const Configuration &configuration)
 {
     QVariantMap report;
-    const QMap<QString, QVariant> &answers = configuration.profile().answers();
+    const QMap<QString, QVariant> answers = configuration.answers();
     for (auto answer = answers.begin(); answer != answers.end(); ++answer) {
         const QString &name = answer.key();
         report.insert(name.startsWith(QLatin1String("get")) ? name.mid(3) : name, *answer);
@@ -46,7 +46,7 @@ NamedMapList configurationReport(const Configuration &configuration)
 {
     QMap<QString, QVariantMap> families;
     for (const QString &name : configuration.profile().parameters().keys()) {
-        if (!configuration.parameter(name).secret)
+        if (!configuration.setting(name).secret)
             families[configuration.setting(name).family].insert(name, configuration.value(name));
     }
     NamedMapList report;
@@ -55,7 +55,7 @@ NamedMapList configurationReport(const Configuration &configuration)
     for (const QString &collection : configuration.collections().mid(1)) {
         QVariantMap values;
         for (const QString &name : configuration.namesSetIn(collection)) {
-            if (!configuration.parameter(name).secret)
+            if (!configuration.setting(name).secret)
                 values.insert(name, configuration.value(name, collection));
         }
         report.append({QStringLiteral("collection ") + collection, values});
@@ -102,10 +102,10 @@ QString hammerBatchString(const Configuration &configuration)
 MethodTable serviceCommands(const CommandTargets &t)
 {
     const auto setInteger = [t](const Call &call, int base) {
-        const QString name = call.text("name");
+        const QString name = call.text(0);
         t.configuration.requireInteger(name);
-        t.userSettings.setValue(name, call.collectionId(), qint64(base) + call.number("value"),
-                                call.argument("flag").toBool());
+        t.userSettings.setValue(name, call.collectionId(), qint64(base) + call.number(1),
+                                call.flag());
         return true;
     };
     const auto documents = [t](const char *kind) {
@@ -137,8 +137,7 @@ MethodTable serviceCommands(const CommandTargets &t)
         {QStringLiteral("setIntDeltaValue"),
          [t, setInteger](const Call &call) {
              return setInteger(
-                 call,
-                 t.configuration.initialValue(call.text("name"), call.collectionId()).toInt());
+                 call, t.configuration.initialValue(call.text(0), call.collectionId()).toInt());
          }},
         {QStringLiteral("incrementPageCounter"),
          [t](const Call &call) {
@@ -147,13 +146,12 @@ MethodTable serviceCommands(const CommandTargets &t)
          }},
         {QStringLiteral("processSequence"),
          [t](const Call &call) {
-             t.configuration.setValues(Configuration::masterCollection(),
-                                       call.argument("sequence").toMap());
+             t.configuration.setValues(Configuration::masterCollection(), call.argument(0).toMap());
              return true;
          }},
         {QStringLiteral("setLayoutFromPath"),
          [t](const Call &call) {
-             takeLayout(t.configuration, call.text("path"));
+             takeLayout(t.configuration, call.text(0));
              return QVariant();
          }},
 
@@ -170,17 +168,15 @@ MethodTable serviceCommands(const CommandTargets &t)
          [t](const Call &) { return t.userSettings.loadFromMedium(); }},
         {QStringLiteral("duplicateCatalog"),
          [t](const Call &call) {
-             return t.configuration.duplicateCollection(call.text("first"), call.text("second"));
+             return t.configuration.duplicateCollection(call.text(0), call.text(1));
          }},
         {QStringLiteral("removeCatalogsCollection"),
-         [t](const Call &call) {
-             return t.configuration.removeCollection(call.text("collection"));
-         }},
+         [t](const Call &call) { return t.configuration.removeCollection(call.text(0)); }},
 
         // The service itself
         {QStringLiteral("setLogger"),
          [t](const Call &call) {
-             t.log.setEnabled(call.argument("enabled").toBool());
+             t.log.setEnabled(call.argument(0).toBool());
              return QVariant();
          }},
         {QStringLiteral("clearLog"),

@@ -2,10 +2,11 @@
 
 #include "model/Profile.h"
 
-#include "model/Interface.h"
+#include "model/Page.h"
 #include "model/Resources.h"
 #include "model/Settings.h"
 
+#include <contract/Interface.h>
 #include <libconfigurationmanager/lcm.h>
 
 #include <QtCore/QDir>
@@ -18,6 +19,8 @@
 namespace simulator {
 
 namespace {
+
+using lcm::FeedType;
 
 const QString abstractBase = QStringLiteral("Embosser");
 
@@ -72,13 +75,19 @@ double readPositive(const JsonNode &node)
     return number;
 }
 
+double readNotNegative(const JsonNode &node)
+{
+    const double number = node.toNumber();
+    if (number < 0)
+        node.refuse(QStringLiteral("is below 0"));
+    return number;
+}
+
 /// How many of something.
 int readCount(const JsonNode &node)
 {
-    const int count = node.toInteger();
-    if (count < 0)
-        node.refuse(QStringLiteral("is below 0"));
-    return count;
+    readNotNegative(node);
+    return node.toInteger();
 }
 
 /// A number that has a key in the enumeration, or that key.
@@ -91,6 +100,23 @@ int readKey(const JsonNode &node)
         node.refuse(QStringLiteral("is not a value of %1")
                         .arg(QString::fromLatin1(enumeration.enumName())));
     return value;
+}
+
+/// Refuses what is no rule, or one that depends on what is set rather than on the model.
+void requireModelRule(const JsonNode &node)
+{
+    const auto rules = QMetaEnum::fromType<lcm::ValidateCommand>();
+    const QString text = node.toText();
+    if (rules.keyToValue(text.toLatin1().constData()) < 0)
+        node.refuse(QStringLiteral("is not a value of ValidateCommand"));
+    const QStringList others{QStringLiteral("AlwaysValid"), QStringLiteral("AlwaysInvalid"),
+                             QStringLiteral("IsDoubleSided"), QStringLiteral("UserPaperAvailable")};
+    const QString model = QStringLiteral("ModelIs");
+    const auto masks = QMetaEnum::fromType<lcm::ModelMask>();
+    const bool isOfModel = text.startsWith(model) &&
+                           masks.keyToValue(text.mid(model.size()).toLatin1().constData()) > 0;
+    if (!isOfModel && !others.contains(text))
+        node.refuse(QStringLiteral("is not a rule about the model"));
 }
 
 QVariant readValue(const JsonNode &node, const QString &dbusType)
@@ -109,8 +135,10 @@ Choice readChoice(const JsonNode &node, int position)
     if (node.isNumber())
         return {QString::number(node.toInteger()), node.toInteger()};
     if (node.isObject()) {
-        node.allowOnly({QStringLiteral("key"), QStringLiteral("value")});
-        return {node["key"].toText(), node["value"].toInteger()};
+        node.allowOnly(
+            {QStringLiteral("key"), QStringLiteral("value"), QStringLiteral("available")});
+        const Choice choice = readChoice(node["value"], position);
+        return {node.has(QStringLiteral("key")) ? node["key"].toText() : choice.key, choice.value};
     }
     const std::optional<int> value = enumValue(node);
     return value ? Choice{node.toText().section(QLatin1Char('.'), 1), *value}
@@ -147,7 +175,6 @@ QVector<Choice> modelChoices()
 
 QVariantMap readPaper(const JsonNode &node)
 {
-    using FeedType = lcm::EnumDetail::FeedType;
     using Orientation = lcm::EnumDetail::Orientation;
     const QString inch = QStringLiteral("inch");
     const double millimetresPerInch = 25.4;
@@ -200,12 +227,6 @@ QString numberText(double number)
     return QString::number(number, 'g', QLocale::FloatingPointShortest);
 }
 
-QString shortened(const QString &text)
-{
-    const int enough = 60;
-    return text.size() <= enough ? text : text.left(enough) + QStringLiteral("...");
-}
-
 /// Whether the type takes a range.
 bool isNumeric(const QString &dbusType)
 {
@@ -217,12 +238,12 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
     Parameter parameter;
     const QString follows = QStringLiteral("follows");
     QStringList allowed{node.has(follows) ? follows : QStringLiteral("default"),
-                        QStringLiteral("unit")};
+                        QStringLiteral("unit"), QStringLiteral("available")};
     if (node.has(follows))
         parameter.follows = node["follows"].toText();
     else
         parameter.initial = readValue(node["default"], setting.type);
-    if (setting.type == QLatin1String("i") || setting.type == QLatin1String("s")) {
+    if (setting.type != QLatin1String("d")) {
         if (node.has(QStringLiteral("row")))
             parameter.row = node["row"].toText();
         allowed << QStringLiteral("row");
@@ -235,7 +256,9 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
         parameter.max = isInteger ? node["max"].toInteger() : node["max"].toNumber();
         if (*parameter.min > *parameter.max)
             node["min"].refuse(QStringLiteral("is above max"), {node["max"]});
-        allowed << QStringLiteral("min") << QStringLiteral("max");
+        if (node.has(QStringLiteral("below")))
+            parameter.below = node["below"].toText();
+        allowed << QStringLiteral("min") << QStringLiteral("max") << QStringLiteral("below");
     }
     if (setting.type == QLatin1String("d")) {
         if (node.has(QStringLiteral("precision")))
@@ -245,18 +268,24 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
     if (setting.type == QLatin1String("s")) {
         if (node.has(QStringLiteral("maxLength")))
             parameter.maxLength = readCount(node["maxLength"]);
-        if (node.has(QStringLiteral("secret")))
-            parameter.secret = node["secret"].toBool();
-        allowed << QStringLiteral("maxLength") << QStringLiteral("secret");
+        allowed << QStringLiteral("maxLength");
     }
     node.allowOnly(allowed, {node["row"], node["follows"]});
     return parameter;
 }
 
+/// The queries that tell whether a model has a feed.
+const QMap<FeedType, QString> &feedCapabilities()
+{
+    static const QMap<FeedType, QString> queries{
+        {FeedType::Tractor, QStringLiteral("hasTractorFeed")},
+        {FeedType::Feeder, QStringLiteral("hasFeeder")}};
+    return queries;
+}
+
 /// Refuses answers that contradict each other.
 void checkAnswers(const JsonNode &node)
 {
-    using FeedType = lcm::EnumDetail::FeedType;
     const int type = readKey<lcm::EnumDetail::EmbosserType>(node["getType"]);
     const auto feed = FeedType(readKey<FeedType>(node["getFeedType"]));
     readKey<lcm::EnumDetail::HeadType>(node["getHeadType"]);
@@ -270,11 +299,10 @@ void checkAnswers(const JsonNode &node)
         if (answer.toBool() != *line)
             answer.refuse(QStringLiteral("does not agree with getType"), {node["getType"]});
     }
-    const QMap<FeedType, const char *> capabilities{{FeedType::Tractor, "hasTractorFeed"},
-                                                    {FeedType::Feeder, "hasFeeder"}};
-    if (capabilities.contains(feed) && !node[capabilities.value(feed)].toBool())
-        node[capabilities.value(feed)].refuse(QStringLiteral("does not agree with getFeedType"),
-                                              {node["getFeedType"]});
+    const auto capability = feedCapabilities().constFind(feed);
+    if (capability != feedCapabilities().cend() && !node[*capability].toBool())
+        node[*capability].refuse(QStringLiteral("does not agree with getFeedType"),
+                                 {node["getFeedType"]});
 }
 
 } // namespace
@@ -294,19 +322,23 @@ QString Profile::fileOfBuiltIn(const QString &model)
     return QStringLiteral("%1/%2.json").arg(builtInProfiles(), model);
 }
 
-Profile::Profile(const QString &file, const Interface &interface, const Settings &settings)
+Profile::Profile(const QString &file, const contract::Interface &interface,
+                 const Settings &settings)
     : m_json(file, baseFile), m_name(QFileInfo(file).completeBaseName())
 {
     const JsonNode root(m_json);
     root.allowOnly({QStringLiteral("answers"), QStringLiteral("settings"), QStringLiteral("rows"),
-                    QStringLiteral("papers"), QStringLiteral("cells"),
-                    QStringLiteral("lineSpacings"), QStringLiteral("documents"),
-                    QStringLiteral("layoutParameters"), QStringLiteral("temporaryProperties"),
-                    QStringLiteral("userSettings")});
+                    QStringLiteral("papers"), QStringLiteral("unprintable"),
+                    QStringLiteral("cells"), QStringLiteral("lineSpacings"),
+                    QStringLiteral("documents"), QStringLiteral("layoutParameters"),
+                    QStringLiteral("temporaryProperties"), QStringLiteral("userSettings")});
 
     readAnswers(root["answers"], interface);
     for (const QString &name : root["papers"].keys())
         m_papers.insert(name, readPaper(root["papers"][name]));
+    root["unprintable"].allowOnly({QStringLiteral("width"), QStringLiteral("length")});
+    m_unprintableWidth = readNotNegative(root["unprintable"]["width"]);
+    m_unprintableLength = readNotNegative(root["unprintable"]["length"]);
     for (const QString &name : root["cells"].keys())
         m_cells.insert(name, readCell(root["cells"][name]));
     for (const QString &name : root["lineSpacings"].keys())
@@ -328,21 +360,65 @@ Profile::Profile(const QString &file, const Interface &interface, const Settings
     requireChoicesOf(QStringLiteral("BrailleCellSize"), root["cells"]);
     requireChoicesOf(QStringLiteral("GraphicCellSize"), root["cells"]);
     requireChoicesOf(QStringLiteral("BrailleLineSpacing"), root["lineSpacings"]);
+    const QString brailleCellDots = QStringLiteral("BrailleCellDots");
+    if (m_parameters.value(brailleCellDots).row.isEmpty())
+        root["settings"][brailleCellDots]["row"].refuse(QString());
+    for (const Choice &choice : m_rows.value(m_parameters.value(brailleCellDots).row)) {
+        if (rowsOf(choice.key) == 0)
+            root["rows"][m_parameters.value(brailleCellDots).row].refuse(
+                QStringLiteral("has a choice that is neither SixDot nor EightDot"));
+    }
+    checkDuplex(root);
     checkPapers(root["papers"]);
+    checkFollowing(root["settings"]);
+    checkOrder(root["settings"]);
     m_layoutParameters = readSettingNames(root["layoutParameters"]);
     m_temporaryProperties = readSettingNames(root["temporaryProperties"]);
     readUserSettings(root["userSettings"], settings);
 }
 
-void Profile::readAnswers(const JsonNode &node, const Interface &interface)
+void Profile::readAnswers(const JsonNode &node, const contract::Interface &interface)
 {
     for (const QString &name : node.keys()) {
-        const Method *method = interface.method(name);
+        const contract::Method *method = interface.method(name);
         if (!method)
             node[name].refuse(QStringLiteral("is not a method of the service"));
         m_answers.insert(name, readValue(node[name], method->resultType));
     }
     checkAnswers(node);
+}
+
+QStringList Profile::rulesThatHold() const
+{
+    using ModelMask = lcm::ModelMask;
+    const auto masks = QMetaEnum::fromType<ModelMask>();
+    QStringList rules{QStringLiteral("AlwaysValid")};
+    if (m_answers.value(QStringLiteral("isDoubleSided")).toBool())
+        rules += QStringLiteral("IsDoubleSided");
+    if (m_answers.value(QStringLiteral("isUserPaperCompatible")).toBool())
+        rules += QStringLiteral("UserPaperAvailable");
+    const int mask = m_answers.value(QStringLiteral("getMaskValue")).toInt();
+    for (int i = 0; i < masks.keyCount(); ++i) {
+        if (masks.value(i) & mask)
+            rules += QStringLiteral("ModelIs") + QString::fromLatin1(masks.key(i));
+    }
+    return rules;
+}
+
+QString Profile::unfulfilledRules(const JsonNode &node) const
+{
+    const QString member = QStringLiteral("available");
+    if (!node.has(member))
+        return {};
+    const QStringList holding = rulesThatHold();
+    QStringList unfulfilled;
+    for (const JsonNode &rule : node[member].elements()) {
+        requireModelRule(rule);
+        if (holding.contains(rule.toText()))
+            return {};
+        unfulfilled += rule.toText();
+    }
+    return unfulfilled.join(QStringLiteral(" or "));
 }
 
 void Profile::readRows(const JsonNode &node)
@@ -360,8 +436,11 @@ void Profile::readRows(const JsonNode &node)
             continue;
         names += name;
         QVector<Choice> &choices = m_rows[name];
+        int position = 0;
         for (const JsonNode &element : node[name].elements()) {
-            const Choice choice = readChoice(element, choices.size());
+            const Choice choice = readChoice(element, position++);
+            if (!unfulfilledRules(element).isEmpty())
+                continue;
             for (const Choice &other : qAsConst(choices)) {
                 if (choice.key == other.key || choice.value == other.value)
                     element.refuse(QStringLiteral("has the key or the value of another entry"));
@@ -384,18 +463,18 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         if (setting->keyed != name.contains(QLatin1Char('/')))
             member.refuse(setting->keyed ? QStringLiteral("needs a key, after a slash")
                                          : QStringLiteral("takes no key"));
-        const Parameter parameter = readParameter(member, *setting);
+        Parameter parameter = readParameter(member, *setting);
+        parameter.fixedBy = unfulfilledRules(member);
         m_parameters.insert(name, parameter);
         if (!parameter.row.isEmpty() && !m_rows.contains(parameter.row))
             member["row"].refuse(QStringLiteral("is not a value list"));
-        if (name == currentPaper() && !parameter.follows.isEmpty())
-            member["follows"].refuse(QStringLiteral("the current paper cannot follow itself"));
         if (parameter.follows.isEmpty()) {
             const QString objection = objectionTo(name, parameter.initial);
             if (!objection.isEmpty())
                 member["default"].refuse(objection, constraintsOf(name));
-        } else if (!m_papers.first().contains(parameter.follows)) {
-            member["follows"].refuse(QStringLiteral("is not a property of a paper"));
+        } else if (!m_papers.first().contains(parameter.follows) &&
+                   !isPageProperty(parameter.follows)) {
+            member["follows"].refuse(QStringLiteral("is not a property of a paper or a page"));
         }
     }
     for (const Setting &setting : settings.all()) {
@@ -423,21 +502,40 @@ QStringList Profile::suitablePapers() const
     const int mask = m_answers.value(QStringLiteral("getMaskValue")).toInt();
     const QVariant feed = m_answers.value(QStringLiteral("getFeedType"));
     const int any = int(lcm::EnumDetail::FeedType::Ignore);
+    const auto has = [this](int paperFeed) {
+        const auto capability = feedCapabilities().constFind(FeedType(paperFeed));
+        return capability != feedCapabilities().cend() && m_answers.value(*capability).toBool();
+    };
     QStringList names;
     for (auto paper = m_papers.begin(); paper != m_papers.end(); ++paper) {
-        const QVariant paperFeed = paper->value(QStringLiteral("feedType"));
+        const int paperFeed = paper->value(QStringLiteral("feedType")).toInt();
         if ((paper->value(QStringLiteral("modelMask")).toInt() & mask) &&
-            (feed == any || paperFeed == any || feed == paperFeed))
+            (feed == any || paperFeed == any || feed == paperFeed || has(paperFeed)))
             names += paper.key();
     }
     return names;
+}
+
+void Profile::checkDuplex(const JsonNode &root) const
+{
+    const QMap<QString, QString> capabilities{
+        {QStringLiteral("Booklet"), QStringLiteral("hasBooklet")},
+        {QStringLiteral("Double"), QStringLiteral("isDoubleSided")}};
+    for (const Choice &choice : m_rows.value(QStringLiteral("Duplex"))) {
+        for (auto kind = capabilities.begin(); kind != capabilities.end(); ++kind) {
+            if (choice.key.contains(kind.key()) && !m_answers.value(*kind).toBool())
+                root["answers"][*kind].refuse(
+                    QStringLiteral("does not agree with the choice %1 of Duplex").arg(choice.key),
+                    {root["rows"]["Duplex"]});
+        }
+    }
 }
 
 void Profile::checkPapers(const JsonNode &node) const
 {
     for (const QString &name : suitablePapers()) {
         for (auto parameter = m_parameters.begin(); parameter != m_parameters.end(); ++parameter) {
-            if (parameter->follows.isEmpty())
+            if (parameter->follows.isEmpty() || isPageProperty(parameter->follows))
                 continue;
             const QString objection =
                 objectionTo(parameter.key(), m_papers.value(name).value(parameter->follows));
@@ -445,6 +543,45 @@ void Profile::checkPapers(const JsonNode &node) const
                 node[name].refuse(parameter.key() + QLatin1String(": ") + objection,
                                   constraintsOf(parameter.key()));
         }
+    }
+}
+
+QStringList Profile::allSourcesOf(const QString &property) const
+{
+    QStringList sources = sourcesOf(property);
+    for (int i = 0; i < sources.size(); ++i) {
+        const QString followed = m_parameters.value(sources.at(i)).follows;
+        for (const QString &source : followed.isEmpty() ? QStringList() : sourcesOf(followed)) {
+            if (!sources.contains(source))
+                sources += source;
+        }
+    }
+    return sources;
+}
+
+void Profile::checkFollowing(const JsonNode &node) const
+{
+    for (auto parameter = m_parameters.begin(); parameter != m_parameters.end(); ++parameter) {
+        if (!parameter->follows.isEmpty() &&
+            allSourcesOf(parameter->follows).contains(parameter.key()))
+            node[parameter.key()]["follows"].refuse(
+                QStringLiteral("depends on %1 itself").arg(parameter.key()));
+    }
+}
+
+void Profile::checkOrder(const JsonNode &node) const
+{
+    for (auto lower = m_parameters.begin(); lower != m_parameters.end(); ++lower) {
+        const JsonNode below = node[lower.key()]["below"];
+        if (lower->below.isEmpty())
+            continue;
+        const auto upper = m_parameters.constFind(lower->below);
+        if (upper == m_parameters.cend() || !upper->min)
+            below.refuse(QStringLiteral("is not a setting that has bounds"));
+        if (!(lower->initial.toDouble() < upper->initial.toDouble()))
+            node[lower.key()]["default"].refuse(
+                QStringLiteral("is not below that of %1").arg(lower->below),
+                {below, node[lower->below]["default"]});
     }
 }
 
@@ -489,12 +626,11 @@ QString Profile::objectionTo(const QString &name, const QVariant &value) const
 {
     const Parameter parameter = m_parameters.value(name);
     const bool isText = value.userType() == QMetaType::QString;
-    const QString shown =
-        parameter.secret ? QStringLiteral("the value") : shortened(value.toString());
+    const QString shown = isText ? QStringLiteral("the value") : value.toString();
     if (!parameter.row.isEmpty()) {
         QStringList allowed;
         for (const Choice &choice : m_rows.value(parameter.row)) {
-            if (isText ? value == choice.key : value == choice.value)
+            if (isText ? value == choice.key : value.toDouble() == choice.value)
                 return {};
             allowed += isText ? choice.key : QString::number(choice.value);
         }

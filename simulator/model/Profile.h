@@ -13,24 +13,29 @@
 
 #include <optional>
 
+namespace contract {
+class Interface;
+} // namespace contract
+
 namespace simulator {
 
-class Interface;
 class Settings;
 struct Setting;
 
 /// What a model says of one setting, or of one key of a keyed setting.
 struct Parameter
 {
-    QVariant initial; ///< the value until one is set; invalid if that follows the paper
-    QString follows;  ///< the property of the current paper that gives the value until one is set
+    QVariant initial; ///< the value until one is set; invalid if that follows something
+    QString follows;  ///< the property of the page that gives the value until one is set
     std::optional<double> min;
     std::optional<double> max;
     int precision = 0; ///< decimals
     QString unit;
     QString row; ///< name of the value list that has the allowed values; may be empty
     std::optional<int> maxLength; ///< of a text, in bytes of UTF-8
-    bool secret = false;
+    QString below; ///< the setting whose value is to stay above this one's; may be empty
+    /// The rule by which the model cannot have another value than the initial one; may be empty.
+    QString fixedBy;
 };
 
 /// One entry of a value list.
@@ -55,7 +60,7 @@ class Profile
 {
 public:
     /// Throws JsonError if the file does not describe a model that has these settings.
-    Profile(const QString &file, const Interface &interface, const Settings &settings);
+    Profile(const QString &file, const contract::Interface &interface, const Settings &settings);
 
     /// The models that are part of the program.
     static QStringList builtInModels();
@@ -73,10 +78,15 @@ public:
     /// By name; a key follows the name of its setting and a slash.
     const QMap<QString, Parameter> &parameters() const { return m_parameters; }
 
+    /// Those that the model has of the value lists' entries.
     const QMap<QString, QVector<Choice>> &rows() const { return m_rows; }
 
     /// The properties of each paper format, the lengths in millimetres.
     const QMap<QString, QVariantMap> &papers() const { return m_papers; }
+
+    /// What of a paper cannot be printed on, in millimetres.
+    double unprintableWidth() const { return m_unprintableWidth; }
+    double unprintableLength() const { return m_unprintableLength; }
 
     const QMap<QString, Cell> &cells() const { return m_cells; }
 
@@ -90,20 +100,29 @@ public:
     const QStringList &temporaryProperties() const { return m_temporaryProperties; }
     bool isUserSetting(const QString &setting) const { return m_userSettings.contains(setting); }
 
-    /// Why a setting cannot have a value, in words that follow its name; empty if it can. Does not
-    /// reveal the value of a secret.
+    /// Why a setting cannot have a value, in words that follow its name; empty if it can. Never
+    /// has a text that somebody may have typed.
     QString objectionTo(const QString &name, const QVariant &value) const;
 
     /// Throws JsonError unless exactly these methods have an answer.
     void requireAnswers(const QStringList &methods) const;
 
 private:
-    void readAnswers(const JsonNode &node, const Interface &interface);
+    void readAnswers(const JsonNode &node, const contract::Interface &interface);
+    QStringList rulesThatHold() const;
+    /// The rules at a node of which none holds for the model; empty if it has none or one holds.
+    QString unfulfilledRules(const JsonNode &node) const;
     void readRows(const JsonNode &node);
     void readParameters(const JsonNode &node, const Settings &settings);
     /// Refuses a value of the setting that is none of the members.
     void requireChoicesOf(const QString &setting, const JsonNode &members) const;
+    /// Refuses kinds of printing that the model says it has not.
+    void checkDuplex(const JsonNode &root) const;
     void checkPapers(const JsonNode &node) const;
+    void checkOrder(const JsonNode &node) const;
+    void checkFollowing(const JsonNode &node) const;
+    /// The settings on which a property depends, also by way of others.
+    QStringList allSourcesOf(const QString &property) const;
     /// What the profile says of the values that a setting can have.
     QVector<JsonNode> constraintsOf(const QString &setting) const;
     void readUserSettings(const JsonNode &node, const Settings &settings);
@@ -116,6 +135,8 @@ private:
     QMap<QString, Parameter> m_parameters;
     QMap<QString, QVector<Choice>> m_rows;
     QMap<QString, QVariantMap> m_papers;
+    double m_unprintableWidth = 0;
+    double m_unprintableLength = 0;
     QMap<QString, Cell> m_cells;
     QMap<QString, double> m_lineSpacings;
     QMap<QString, QVariantMap> m_documents;

@@ -3,7 +3,6 @@
 #include "model/Resources.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 
 // Not within a namespace, which the macro cannot stand in. The linker would leave out of a static
 // library what is referred to only by a name.
@@ -18,15 +17,6 @@ QString builtInProfiles()
 {
     initializeResources();
     return QStringLiteral(":/profiles");
-}
-
-QByteArray introspectionXml()
-{
-    initializeResources();
-    QFile file(QStringLiteral(":/com.tavelornbraille.ConfigurationManager.xml"));
-    if (!file.open(QFile::ReadOnly))
-        qFatal("%s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
-    return file.readAll();
 }
 
 } // namespace simulator

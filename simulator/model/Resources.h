@@ -3,16 +3,12 @@
 #ifndef SIMULATOR_MODEL_RESOURCES_H
 #define SIMULATOR_MODEL_RESOURCES_H
 
-#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 namespace simulator {
 
 /// The folder of the profiles that are part of the program.
 QString builtInProfiles();
-
-/// The introspection XML of the service.
-QByteArray introspectionXml();
 
 } // namespace simulator
 

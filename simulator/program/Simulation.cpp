@@ -10,9 +10,7 @@
 #include "methods/ParameterQueries.h"
 #include "methods/ServiceCommands.h"
 #include "model/DBusTypes.h"
-#include "model/Interface.h"
 #include "model/Profile.h"
-#include "model/Resources.h"
 #include "model/Settings.h"
 #include "program/Options.h"
 #include "state/Configuration.h"
@@ -21,6 +19,7 @@
 #include "state/Store.h"
 #include "state/UserSettings.h"
 
+#include <contract/Interface.h>
 #include <support/TerminationSignals.h>
 
 #include <QtCore/QCoreApplication>
@@ -47,7 +46,7 @@ const int restartMilliseconds = 500;
 
 void runSimulation(const Options &options)
 {
-    const Interface interface(introspectionXml());
+    const contract::Interface &interface = contract::Interface::configurationManager();
     const Settings settings(interface);
     const Profile profile(options.profileFile, interface, settings);
     Store store(options.stateFile);

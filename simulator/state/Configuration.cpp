@@ -3,10 +3,16 @@
 #include "state/Configuration.h"
 
 #include "model/DBusTypes.h"
+#include "model/Page.h"
 #include "model/Profile.h"
 #include "model/Settings.h"
 #include "state/Refusal.h"
 #include "state/Store.h"
+
+#include <libconfigurationmanager/lcm.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace simulator {
 
@@ -87,8 +93,41 @@ QVariant Configuration::initialValue(const QString &name, const QString &collect
     const Parameter &known = parameter(name);
     if (known.follows.isEmpty())
         return known.initial;
-    const QString paper = value(paperSize, collection).toString();
-    return m_profile.papers().value(paper).value(known.follows);
+    QVariant followed = pageProperty(
+        m_profile, known.follows, [&](const QString &source) { return value(source, collection); });
+    if (isPageProperty(known.follows) && known.min) {
+        const double factor = std::pow(10, known.precision);
+        const double rounded = std::round(followed.toDouble() * factor) / factor;
+        followed = qBound(*known.min, rounded, *known.max);
+    }
+    followed.convert(metaTypeOf(setting(name).type));
+    return followed;
+}
+
+Bounds Configuration::bounds(const QString &name) const
+{
+    const Parameter &known = parameter(name);
+    const double step = std::pow(10, -known.precision);
+    Bounds bounds{*known.min, *known.max};
+    if (!known.below.isEmpty())
+        bounds.max = std::min(bounds.max, value(known.below).toDouble() - step);
+    const auto &parameters = m_profile.parameters();
+    for (auto lower = parameters.begin(); lower != parameters.end(); ++lower) {
+        if (lower->below == name)
+            bounds.min = std::max(bounds.min, value(lower.key()).toDouble() + step);
+    }
+    return bounds;
+}
+
+QMap<QString, QVariant> Configuration::answers() const
+{
+    // The feed in use: that of the current paper, unless any is right for it.
+    QMap<QString, QVariant> answers = m_profile.answers();
+    const QString paper = value(paperSize).toString();
+    const QVariant feed = m_profile.papers().value(paper).value(QStringLiteral("feedType"));
+    if (feed != int(lcm::FeedType::Ignore))
+        answers.insert(QStringLiteral("getFeedType"), feed);
+    return answers;
 }
 
 QVariant Configuration::value(const QString &name, const QString &collection) const
@@ -120,25 +159,69 @@ QString Configuration::objectionTo(const QString &name, const QVariant &value) c
 
 void Configuration::setValue(const QString &name, const QString &collection, const QVariant &value)
 {
+    Store::Transaction transaction(m_store);
+    store(name, collection, value);
+    requireOrder({name}, collection);
+    transaction.commit();
+}
+
+void Configuration::store(const QString &name, const QString &collection, const QVariant &value)
+{
     const QString objection = objectionTo(name, value);
     if (!objection.isEmpty())
         throw invalidValue(name + QLatin1String(": ") + objection);
     QVariant converted = value;
     converted.convert(metaTypeOf(setting(name).type));
+    const QString rule = parameter(name).fixedBy;
+    if (!rule.isEmpty() && converted != initialValue(name, collection))
+        throw invalidValue(QStringLiteral("%1: cannot be changed on this model, for which %2 does "
+                                          "not hold")
+                               .arg(name, rule));
 
     const QString scope = scopeOf(setting(name), collection);
-    Store::Transaction transaction(m_store);
     m_store.setValue(scope, name, converted);
     if (setting(name).perCollection && collection != masterCollection())
         m_store.setValue(collectionsScope, collection, true);
-    if (name == paperSize) {
-        const auto &parameters = m_profile.parameters();
-        for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
-            if (!parameter->follows.isEmpty())
-                m_store.removeValue(scope, parameter.key());
-        }
+    resetFollowers(name, scope);
+}
+
+void Configuration::resetFollowers(const QString &name, const QString &scope)
+{
+    const auto &parameters = m_profile.parameters();
+    for (auto follower = parameters.begin(); follower != parameters.end(); ++follower) {
+        if (follower->follows.isEmpty() || !sourcesOf(follower->follows).contains(name))
+            continue;
+        m_store.removeValue(scope, follower.key());
+        resetFollowers(follower.key(), scope);
     }
-    transaction.commit();
+}
+
+int Configuration::depthOf(const QString &name) const
+{
+    const QString followed = parameter(name).follows;
+    int depth = 0;
+    if (!followed.isEmpty()) {
+        for (const QString &source : sourcesOf(followed))
+            depth = std::max(depth, 1 + depthOf(source));
+    }
+    return depth;
+}
+
+void Configuration::requireOrder(const QStringList &names, const QString &collection) const
+{
+    const auto &parameters = m_profile.parameters();
+    for (auto lower = parameters.begin(); lower != parameters.end(); ++lower) {
+        if (lower->below.isEmpty() ||
+            !(names.contains(lower.key()) || names.contains(lower->below)))
+            continue;
+        const QVariant low = value(lower.key(), collection);
+        const QVariant high = value(lower->below, collection);
+        if (!(low.toDouble() < high.toDouble()))
+            throw invalidValue(
+                QStringLiteral("%1: %2 is not below %3, which is %4 %5")
+                    .arg(lower.key(), low.toString(), lower->below, high.toString(), lower->unit)
+                    .trimmed());
+    }
 }
 
 void Configuration::increment(const QString &name, const QString &collection)
@@ -154,13 +237,14 @@ void Configuration::reset(const QString &name, const QString &collection)
 void Configuration::setValues(const QString &collection, const QVariantMap &values)
 {
     Store::Transaction transaction(m_store);
-    // The paper first: it would undo what is said of its properties.
-    if (values.contains(paperSize))
-        setValue(paperSize, collection, values.value(paperSize));
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        if (value.key() != paperSize)
-            setValue(value.key(), collection, *value);
-    }
+    // What others follow comes first, since it undoes what is said of them.
+    QStringList names = values.keys();
+    std::stable_sort(names.begin(), names.end(), [this](const QString &a, const QString &b) {
+        return depthOf(a) < depthOf(b);
+    });
+    for (const QString &name : qAsConst(names))
+        store(name, collection, values.value(name));
+    requireOrder(names, collection);
     transaction.commit();
 }
 

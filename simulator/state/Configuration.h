@@ -15,6 +15,12 @@ class Store;
 struct Parameter;
 struct Setting;
 
+struct Bounds
+{
+    double min;
+    double max;
+};
+
 /// The configuration: the values of the settings in their collections.
 ///
 /// Settings are named as in Profile::parameters(). A collection has the profile's value of each
@@ -37,6 +43,13 @@ public:
     /// Throws a Refusal if the setting is of another type.
     void requireInteger(const QString &name) const;
 
+    /// The bounds of a setting that has some: those of the model, or, where another setting's value
+    /// in the master collection is to stay above or below, what that leaves.
+    Bounds bounds(const QString &name) const;
+
+    /// The answers to the queries without arguments, by method name.
+    QMap<QString, QVariant> answers() const;
+
     /// The value of a setting until one is set.
     QVariant initialValue(const QString &name, const QString &collection) const;
 
@@ -44,7 +57,7 @@ public:
     QVariant value(const QString &name, const QString &collection = masterCollection()) const;
 
     /// Takes a value of the setting's type, or a number that can be converted without loss. What
-    /// has been set of the current paper ends when another one is set.
+    /// follows from the setting, such as the size of a paper, follows from it again.
     void setValue(const QString &name, const QString &collection, const QVariant &value);
 
     /// Sets all or none.
@@ -72,6 +85,13 @@ public:
 private:
     /// Why a setting cannot have a value, in words that follow its name; empty if it can.
     QString objectionTo(const QString &name, const QVariant &value) const;
+    /// Sets a value that may stand in the wrong order to another one.
+    void store(const QString &name, const QString &collection, const QVariant &value);
+    /// Has all that follows from a setting follow from it again.
+    void resetFollowers(const QString &name, const QString &scope);
+    /// How many steps a setting is away from one that follows nothing.
+    int depthOf(const QString &name) const;
+    void requireOrder(const QStringList &names, const QString &collection) const;
 
     const Settings &m_settings;
     const Profile &m_profile;

@@ -32,7 +32,7 @@ UserSettings::UserSettings(Configuration &configuration, Store &store, const QSt
 bool UserSettings::concerns(const QString &name, Secrets secrets) const
 {
     return m_configuration.profile().isUserSetting(name) &&
-           (secrets == Secrets::Included || !m_configuration.parameter(name).secret);
+           (secrets == Secrets::Included || !m_configuration.setting(name).secret);
 }
 
 QJsonObject UserSettings::current(Secrets secrets) const

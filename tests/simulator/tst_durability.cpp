@@ -225,7 +225,7 @@ private Q_SLOTS:
             "getUseAdjustableLinespacing", "takes a value of D-Bus type b");
         row("number that is no truth value", "UseAdjustableLinespacing", 2,
             "getUseAdjustableLinespacing", "takes a value of D-Bus type b");
-        row("unknown paper", "PaperSize", "A0", "getPaperWidth", "A0 is none of: 110x120, ");
+        row("unknown paper", "PaperSize", "A0", "getPaperWidth", "the value is none of: 110x120, ");
         row("secret", "Passphrase", QString(64, QLatin1Char('x')), "getPassphrase",
             "the value is longer than 63 bytes");
     }

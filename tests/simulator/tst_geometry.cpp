@@ -129,14 +129,21 @@ private Q_SLOTS:
         row("of the cell", 0, 0, 0, 0, "A4", "Text_2p5", "SixDot", "Single", 10.0);
         row("dot distance", 3.75, 0, 0, 0, "A4", "Text_2p5", "SixDot", "Single", 12.5);
         row("rows", 0, 5, 0, 0, "A4", "Text_2p5", "SixDot", "Single", 15.0);
-        row("gap", 0, 0, 7.5, 0, "A4", "Text_2p5", "SixDot", "Single", 12.5);
-        row("adjustment", 0, 0, 0, 5.0, "A4", "Text_2p5", "SixDot", "Single", 15.0);
+        row("cell distance", 0, 0, 7.5, 0, "A4", "Text_2p5", "SixDot", "Single", 10.0);
+        row("line distance", 0, 0, 0, 15.0, "A4", "Text_2p5", "SixDot", "Single", 15.0);
+        row("line distance of eight dots", 0, 0, 0, 12.5, "A4", "Text_2p5", "EightDot", "Single",
+            15.0);
         row("paper", 0, 0, 0, 0, "110x120", "Text_2p5", "SixDot", "Single", 10.16);
         row("cell", 0, 0, 0, 0, "A4", "Graph_2p5", "SixDot", "Single", 7.5);
         row("eight dots", 0, 0, 0, 0, "A4", "Text_2p5", "EightDot", "Single", 12.5);
         row("spacing", 0, 0, 0, 0, "A4", "Text_2p5", "SixDot", "Double", 20.0);
-        row("rounded up to whole steps", 0, 0, 0, 0.01, "A4", "Text_2p5", "SixDot", "Single", 12.5);
-        row("all numbers", 2.5, 3, 6.0, 10.0, "A4", "Text_2p5", "SixDot", "Single", 22.5);
+        row("rounded up to whole steps", 0, 0, 0, 10.01, "A4", "Text_2p5", "SixDot", "Single",
+            12.5);
+        // Standard braille.
+        row("all numbers", 2.5, 3, 6.0, 10.0, "A4", "Text_2p5", "SixDot", "Single", 10.0);
+        row("all numbers, whatever the cell", 2.5, 3, 6.0, 10.0, "A4", "Text_3p2", "SixDot",
+            "Single", 10.0);
+        row("rows before dots", 2.5, 4, 6.0, 10.0, "A4", "Text_2p5", "SixDot", "Single", 12.5);
         // The current settings: 110x120, Text_2p5, SixDot and Single.
         row("nothing", 0, 0, 0, 0, "", "", "", "", 10.16);
     }
@@ -168,15 +175,15 @@ private Q_SLOTS:
         QTest::newRow("negative") << "getLineToLine"
                                   << QVariantList{-1.0,      0,         0.0,       0.0,
                                                   QString(), QString(), QString(), QString()}
-                                  << "getLineToLine: d1, i2 and d3 are not below 0";
+                                  << "getLineToLine: d1, i2, d3 and d4 are finite and not below 0";
         QTest::newRow("infinite") << "getLineToLine"
                                   << QVariantList{0.0,       0,         0.0,       qInf(),
                                                   QString(), QString(), QString(), QString()}
-                                  << "d1, d3 and d4 are finite";
+                                  << "getLineToLine: d1, i2, d3 and d4 are finite and not below 0";
         QTest::newRow("not a number")
             << "getLineToLine"
             << QVariantList{qQNaN(), 0, 0.0, 0.0, QString(), QString(), QString(), QString()}
-            << "d1, d3 and d4 are finite";
+            << "getLineToLine: d1, i2, d3 and d4 are finite and not below 0";
     }
 
     void whatIsUnknownIsAnError()

@@ -74,9 +74,9 @@ private Q_SLOTS:
             2, "settings/AlignLow/default: 101 is not between -100 and 100");
         // What contradicts something of the base is to be changed here.
         row("bound that excludes the value of the base", R"({"base": "Arvo", "settings": {
-"TotalCharPerLine": {
+"MaxPaperInBin": {
 "max": 20}}})",
-            3, "settings/TotalCharPerLine/default: 35 is not between 1 and 20");
+            3, "settings/MaxPaperInBin/default: 250 is not between 1 and 20");
         row("bound that excludes the value of the base's base",
             R"({"base": "Arvo", "settings": {"AlignLow": {
 "min": 50}}})",
@@ -93,7 +93,7 @@ private Q_SLOTS:
         row("length that the value of the base exceeds",
             R"({"base": "Arvo", "settings": {"SerialNo": {
 "maxLength": 5}}})",
-            2, "settings/SerialNo/default: AR-000001 is longer than 5 bytes");
+            2, "settings/SerialNo/default: the value is longer than 5 bytes");
         row("length below 0", R"({"base": "Arvo", "settings": {"Ssid": {
 "maxLength": -3}}})",
             2, "settings/Ssid/maxLength: is below 0");
@@ -127,7 +127,41 @@ private Q_SLOTS:
         row("current paper that follows itself", R"({"base": "Arvo", "settings": {"PaperSize": {
 "default": null, "row": null,
 "follows": "sizeUnit"}}})",
-            3, "settings/PaperSize/follows: the current paper cannot follow itself");
+            3, "settings/PaperSize/follows: depends on PaperSize itself");
+        row("setting that follows itself by way of another one",
+            R"({"base": "Arvo", "settings": {"BrailleCellSize": {
+"default": null,
+"follows": "linesPerPage"}}})",
+            3, "settings/BrailleCellSize/follows: depends on BrailleCellSize itself");
+        row("rule that is none", R"({"base": "Arvo", "settings": {"TabSize": {
+"available": ["IsDoubleSide"]}}})",
+            2, "settings/TabSize/available/0: is not a value of ValidateCommand");
+        row("rule about what is set", R"({"base": "Arvo", "rows": {"OnOff": ["Off",
+{"key": "On", "value": 1, "available": ["PaperSizeIsA4"]}]}})",
+            2, "rows/OnOff/1/available/0: is not a rule about the model");
+        row("list of which no entry is available",
+            R"({"base": "Arvo", "rows": {
+"Unit": [{"key": "mm", "value": 0, "available": ["AlwaysInvalid"]}]}})",
+            2, "rows/Unit: is empty");
+        row("value in the wrong order", R"({"base": "Arvo", "settings": {"FanTemperatureOff": {
+"default": 45}}})",
+            2, "settings/FanTemperatureOff/default: is not below that of FanTemperatureOn");
+        row("order to no setting", R"({"base": "Arvo", "settings": {"AlignLow": {
+"below": "AlignHihg"}}})",
+            2, "settings/AlignLow/below: is not a setting that has bounds");
+        row("booklets without booklet printing", R"({"base": "Marren", "answers": {
+"hasBooklet": false}})",
+            2, "answers/hasBooklet: does not agree with the choice Booklet of Duplex");
+        row("two sides without double-sided printing", R"({"base": "Arvo",
+"rows": {"Duplex": ["Duplex.Single", "Duplex.Double"]},
+"answers": {"isDoubleSided": false}})",
+            3, "answers/isDoubleSided: does not agree with the choice Double of Duplex");
+        row("dots that no cell has", R"({"base": "Arvo", "rows": {
+"BrailleCellDots": ["SixDot", "TenDot"]}})",
+            2, "rows/BrailleCellDots: has a choice that is neither SixDot nor EightDot");
+        row("margin below 0", R"({"base": "Arvo", "unprintable": {
+"width": -1}})",
+            2, "unprintable/width: is below 0");
         row("paper that does not fit",
             R"({"base": "Arvo", "settings": {"PaperWidth": {
 "max": 250.0}}})",
@@ -315,6 +349,19 @@ private Q_SLOTS:
         const QVariantList master{Simulator::masterCollection()};
         QCOMPARE(simulator.value("getSerialNo", master), QVariant("mine"));
         QCOMPARE(simulator.value("getModel", master), QVariant("Dovrik"));
+    }
+
+    void boundsThatAreNotWholeAreWithinThoseThatAreTold()
+    {
+        const QString path =
+            write(QStringLiteral("fractions.json"),
+                  QStringLiteral("{\"base\": \"Kestan\", \"settings\": "
+                                 "{\"TopOfForm\": {\"min\": -0.5, \"max\": 99.5}}}"));
+        Simulator simulator(m_bus);
+        simulator.start({QStringLiteral("--profile"), path});
+        const QVariantList name{QStringLiteral("TopOfForm")};
+        QCOMPARE(simulator.value("getMinValue", name), QVariant(-1));
+        QCOMPARE(simulator.value("getMaxValue", name), QVariant(100));
     }
 
     void aProfileMayBeBasedOnAnotherFile()

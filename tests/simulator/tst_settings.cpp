@@ -109,7 +109,7 @@ private Q_SLOTS:
             << "setTabSize" << QVariantList{9} << "TabSize: 9 is none of: 1, 2, 3, 4, 5, 6, 7, 8";
         QTest::newRow("text of no list")
             << "setParity" << QVariantList{QStringLiteral("odd"), c, false}
-            << "Parity: odd is none of: None, Even, Odd";
+            << "Parity: the value is none of: None, Even, Odd";
         QTest::newRow("too long") << "setSsid" << QVariantList{QString(33, QLatin1Char('x')), c}
                                   << " is longer than 32 bytes";
         QTest::newRow("too long in bytes")
@@ -228,8 +228,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("least");
         QTest::addColumn<int>("most");
-        QTest::newRow("PhStepDist") << 1 << 1;       // 0.01 to 1
-        QTest::newRow("PFStepAdjustment") << 0 << 0; // -0.5 to 0.5
+        QTest::newRow("PhStepDist") << 0 << 1;
+        QTest::newRow("PFStepAdjustment") << -1 << 1;
         QTest::newRow("TopOfForm") << 0 << 100;
         QTest::newRow("TabSize") << 1 << 8; // a list
     }
