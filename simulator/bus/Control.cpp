@@ -2,15 +2,22 @@
 
 #include "bus/Control.h"
 
+#include "bus/CallRecord.h"
 #include "bus/Faults.h"
+#include "state/Configuration.h"
 #include "state/Refusal.h"
 #include "state/ServiceLog.h"
+#include "state/Store.h"
+
+#include <QtDBus/QDBusError>
 
 namespace simulator {
 
-Control::Control(Faults &faults, const ServiceLog &log)
+Control::Control(Faults &faults, const ServiceLog &log, CallRecord &calls,
+                 Configuration &configuration)
 {
     new FaultsAdaptor(faults, this);
+    new CallsAdaptor(calls, configuration, this);
     new LogAdaptor(log, this);
 }
 
@@ -28,8 +35,24 @@ FaultsAdaptor::FaultsAdaptor(Faults &faults, Control *control)
 void FaultsAdaptor::Inject(const QString &kind, const QString &method, uint calls,
                            const QString &detail)
 {
+    inject([&] { m_faults.inject(kind, method, calls, detail); });
+}
+
+void FaultsAdaptor::Answer(const QString &method, uint calls, const QDBusVariant &value)
+{
+    inject([&] { m_faults.injectAnswer(method, calls, value.variant()); });
+}
+
+void FaultsAdaptor::Refuse(const QString &method, uint calls, const QString &errorName,
+                           const QString &message)
+{
+    inject([&] { m_faults.injectRefusal(method, calls, errorName, message); });
+}
+
+void FaultsAdaptor::inject(const std::function<void()> &injection)
+{
     try {
-        m_faults.inject(kind, method, calls, detail);
+        injection();
     } catch (const Refusal &refusal) {
         m_control->refuse(refusal.name, refusal.message);
     }
@@ -63,6 +86,39 @@ MapList FaultsAdaptor::History() const
 void FaultsAdaptor::Return()
 {
     Q_EMIT m_control->returnRequested();
+}
+
+CallsAdaptor::CallsAdaptor(CallRecord &calls, Configuration &configuration, Control *control)
+    : QDBusAbstractAdaptor(control),
+      m_calls(calls),
+      m_configuration(configuration),
+      m_control(control)
+{
+}
+
+MapList CallsAdaptor::Calls(const QString &method) const
+{
+    MapList list;
+    for (const RecordedCall &call : m_calls.calls(method))
+        list.append({{QStringLiteral("method"), call.method},
+                     {QStringLiteral("arguments"), call.arguments},
+                     {QStringLiteral("outcome"), call.outcome}});
+    return list;
+}
+
+void CallsAdaptor::Clear()
+{
+    m_calls.clear();
+}
+
+void CallsAdaptor::Reset()
+{
+    try {
+        m_configuration.clear();
+    } catch (const StoreError &error) {
+        m_control->refuse(QDBusError::errorString(QDBusError::Failed),
+                          QString::fromUtf8(error.what()));
+    }
 }
 
 LogAdaptor::LogAdaptor(const ServiceLog &log, Control *control)

@@ -9,9 +9,14 @@
 #include <QtCore/QStringList>
 #include <QtDBus/QDBusAbstractAdaptor>
 #include <QtDBus/QDBusContext>
+#include <QtDBus/QDBusVariant>
+
+#include <functional>
 
 namespace simulator {
 
+class CallRecord;
+class Configuration;
 class Faults;
 class ServiceLog;
 
@@ -20,7 +25,7 @@ class Control : public QObject, protected QDBusContext
 {
     Q_OBJECT
 public:
-    Control(Faults &faults, const ServiceLog &log);
+    Control(Faults &faults, const ServiceLog &log, CallRecord &calls, Configuration &configuration);
 
     /// Where it is found, also while the service has left the bus.
     static QString busName() { return QStringLiteral("com.tavelornbraille.Simulator"); }
@@ -45,6 +50,13 @@ public Q_SLOTS:
     /// See Faults::inject().
     void Inject(const QString &kind, const QString &method, uint calls, const QString &detail);
 
+    /// The next calls of a method are not carried out, but answered with a value of any type.
+    void Answer(const QString &method, uint calls, const QDBusVariant &value);
+
+    /// The same with an error.
+    void Refuse(const QString &method, uint calls, const QString &errorName,
+                const QString &message);
+
     /// Forgets what waits and what has happened.
     void Clear();
 
@@ -61,7 +73,33 @@ Q_SIGNALS:
     void Happened(const QString &kind, const QString &method);
 
 private:
+    void inject(const std::function<void()> &injection);
+
     Faults &m_faults;
+    Control *const m_control;
+};
+
+class CallsAdaptor : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.tavelornbraille.Simulator.Calls")
+public:
+    CallsAdaptor(CallRecord &calls, Configuration &configuration, Control *control);
+
+public Q_SLOTS:
+    /// Maps with method, arguments and outcome, one for each of the last 1000 calls of the service,
+    /// the oldest first; of one method, or, if that is empty, of all. Secrets are withheld.
+    simulator::MapList Calls(const QString &method = {}) const;
+
+    /// Forgets the calls.
+    void Clear();
+
+    /// Has the model's values again for all settings, and forgets what has been saved.
+    void Reset();
+
+private:
+    CallRecord &m_calls;
+    Configuration &m_configuration;
     Control *const m_control;
 };
 

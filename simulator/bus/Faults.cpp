@@ -7,6 +7,7 @@
 
 #include <contract/Interface.h>
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -18,6 +19,7 @@ namespace {
 enum class Detail {
     None,
     Text,
+    Error,
     Milliseconds,
 };
 
@@ -32,6 +34,10 @@ struct KindDescription
 const KindDescription descriptions[]{
     {Fault::Kind::Error, "error", Detail::Text,
      "the call is not carried out, the answer is an error; DETAIL is its message"},
+    {Fault::Kind::Refuse, "refuse", Detail::Error,
+     "the same; DETAIL is the name of a D-Bus error and, after a colon, its message"},
+    {Fault::Kind::Answer, "answer", Detail::Text,
+     "the call is not carried out, the answer is the text DETAIL"},
     {Fault::Kind::WrongType, "wrong-type", Detail::None,
      "the call is carried out, the answer is of another type"},
     {Fault::Kind::Delay, "delay", Detail::Milliseconds,
@@ -95,13 +101,44 @@ void Faults::inject(const QString &kind, const QString &method, quint32 calls,
                     const QString &detail)
 {
     const KindDescription &description = descriptionOf(kind);
+    requireMethod(kind, method);
+    checkDetail(description, detail);
+    if (description.kind == Fault::Kind::Refuse)
+        injectRefusal(method, calls, detail.section(QLatin1Char(':'), 0, 0),
+                      detail.section(QLatin1Char(':'), 1));
+    else if (description.kind == Fault::Kind::Answer)
+        injectAnswer(method, calls, detail);
+    else
+        m_pending.append({description.kind, method, calls, detail});
+}
+
+void Faults::requireMethod(const QString &kind, const QString &method) const
+{
     if (method.isEmpty())
         throw invalidArguments(
             QStringLiteral("%1 needs the name of a method, or * for any").arg(kind));
     if (method != QLatin1String("*") && !m_interface.method(method))
         throw invalidArguments(QStringLiteral("the service has no method %1").arg(method));
-    checkDetail(description, detail);
-    m_pending.append({description.kind, method, calls, detail});
+}
+
+void Faults::injectAnswer(const QString &method, quint32 calls, const QVariant &answer)
+{
+    requireMethod(nameOf(Fault::Kind::Answer), method);
+    m_pending.append({Fault::Kind::Answer, method, calls, {}, {}, answer});
+}
+
+void Faults::injectRefusal(const QString &method, quint32 calls, const QString &errorName,
+                           const QString &message)
+{
+    const QString kind = nameOf(Fault::Kind::Refuse);
+    requireMethod(kind, method);
+    // What is no name of an error would end the connection to the bus.
+    static const QRegularExpression name(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z_]\\w*(\\.[A-Za-z_]\\w*)+")));
+    const int longestName = 255;
+    if (!name.match(errorName).hasMatch() || errorName.size() > longestName)
+        throw invalidArguments(QStringLiteral("%1 takes the name of a D-Bus error").arg(kind));
+    m_pending.append({Fault::Kind::Refuse, method, calls, message, errorName});
 }
 
 void Faults::inject(const QString &text)

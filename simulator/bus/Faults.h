@@ -5,6 +5,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 #include <QtCore/QVector>
 
 #include <optional>
@@ -20,6 +21,8 @@ struct Fault
 {
     enum class Kind {
         Error,
+        Refuse,
+        Answer,
         WrongType,
         Delay,
         NoAnswer,
@@ -28,9 +31,11 @@ struct Fault
     };
 
     Kind kind;
-    QString method; ///< "*" is any
-    quint32 calls;  ///< how many are still affected; 0 is all until the faults are cleared
-    QString detail; ///< see Faults::kinds()
+    QString method;         ///< "*" is any
+    quint32 calls;          ///< how many are still affected; 0 is all until the faults are cleared
+    QString detail;         ///< see Faults::kinds()
+    QString errorName = {}; ///< of a refusal
+    QVariant answer = {};
 
     int milliseconds() const { return detail.toInt(); }
 };
@@ -49,6 +54,11 @@ public:
     /// Throws a Refusal if there is no such kind or method, or the detail is not what it takes.
     void inject(const QString &kind, const QString &method, quint32 calls, const QString &detail);
 
+    /// The next calls are answered with a value, or refused with an error.
+    void injectAnswer(const QString &method, quint32 calls, const QVariant &answer);
+    void injectRefusal(const QString &method, quint32 calls, const QString &errorName,
+                       const QString &message);
+
     /// The same from a text KIND:METHOD[:CALLS[:DETAIL]]; one call unless it says another number.
     void inject(const QString &text);
 
@@ -66,6 +76,8 @@ Q_SIGNALS:
     void happened(const QString &kind, const QString &method);
 
 private:
+    void requireMethod(const QString &kind, const QString &method) const;
+
     const contract::Interface &m_interface;
     QVector<Fault> m_pending;
     QVector<Fault> m_history;

@@ -2,6 +2,7 @@
 
 #include "bus/Service.h"
 
+#include "bus/CallRecord.h"
 #include "bus/Faults.h"
 #include "methods/Call.h"
 #include "model/DBusTypes.h"
@@ -97,12 +98,13 @@ QVariant converted(const QVariant &value, const QString &dbusType)
 } // namespace
 
 Service::Service(const contract::Interface &interface, Configuration &configuration,
-                 UserSettings &userSettings, ServiceLog &log, Faults &faults,
+                 UserSettings &userSettings, ServiceLog &log, CallRecord &calls, Faults &faults,
                  const MethodTable &methods)
     : m_interface(interface),
       m_configuration(configuration),
       m_userSettings(userSettings),
       m_log(log),
+      m_calls(calls),
       m_faults(faults),
       m_methods(methods)
 {
@@ -125,7 +127,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
 {
     // D-Bus allows a call that does not say which interface it means.
     if (!message.interface().isEmpty() && message.interface() != m_interface.name())
-        return false;
+        return answerAboutProperties(message, connection);
     if (const std::optional<Fault> fault = m_faults.next(message.member()))
         answerFaultily(*fault, message, connection);
     else
@@ -137,25 +139,30 @@ void Service::answerFaultily(const Fault &fault, const QDBusMessage &message,
                              const QDBusConnection &connection)
 {
     switch (fault.kind) {
-    case Fault::Kind::Error: {
-        const QDBusMessage answer = message.createErrorReply(
-            QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
-            fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail);
-        m_log.add(message.member(), answer.errorName());
-        send(answer, message, connection);
+    case Fault::Kind::Error:
+        answerWith(message.createErrorReply(
+                       QStringLiteral("com.tavelornbraille.Simulator.Error.Injected"),
+                       fault.detail.isEmpty() ? QStringLiteral("an injected fault") : fault.detail),
+                   message, connection);
         break;
-    }
+    case Fault::Kind::Refuse:
+        answerWith(message.createErrorReply(fault.errorName, fault.detail), message, connection);
+        break;
+    case Fault::Kind::Answer:
+        answerWith(message.createReply(fault.answer), message, connection);
+        break;
     case Fault::Kind::WrongType:
         send(ofWrongType(answerTo(message), message), message, connection);
         break;
     case Fault::Kind::Delay:
-        QTimer::singleShot(fault.milliseconds(), this,
+        // Never early, which a coarse timer may be.
+        QTimer::singleShot(fault.milliseconds(), Qt::PreciseTimer, this,
                            [answer = answerTo(message), message, connection] {
                                send(answer, message, connection);
                            });
         break;
     case Fault::Kind::NoAnswer:
-        m_log.add(message.member(), Faults::nameOf(fault.kind));
+        note(message, Faults::nameOf(fault.kind));
         break;
     case Fault::Kind::Crash:
         // The bus answers when it has what has been sent so far: the signal that this happens.
@@ -182,8 +189,36 @@ QDBusMessage Service::answerTo(const QDBusMessage &message)
     } catch (const StoreError &error) {
         answer = message.createErrorReply(QDBusError::Failed, QString::fromUtf8(error.what()));
     }
-    m_log.add(message.member(), answer.errorName());
+    note(message, answer.errorName());
     return answer;
+}
+
+void Service::note(const QDBusMessage &message, const QString &outcome)
+{
+    m_log.add(message.member(), outcome);
+    m_calls.add(message.member(), demarshalled(message.arguments()), outcome);
+}
+
+void Service::answerWith(const QDBusMessage &answer, const QDBusMessage &message,
+                         const QDBusConnection &connection)
+{
+    note(message, answer.errorName());
+    send(answer, message, connection);
+}
+
+bool Service::answerAboutProperties(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
+    if (message.interface() != properties || message.member() != QLatin1String("GetAll"))
+        return false;
+    const QStringList known{m_interface.name(), properties,
+                            QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                            QStringLiteral("org.freedesktop.DBus.Peer")};
+    if (message.signature() != QLatin1String("s") ||
+        !known.contains(message.arguments().constFirst().toString()))
+        return false;
+    send(message.createReply(QVariantMap()), message, connection);
+    return true;
 }
 
 QVariant Service::carryOut(const Call &call)

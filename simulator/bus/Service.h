@@ -15,6 +15,7 @@ class Interface;
 namespace simulator {
 
 class Call;
+class CallRecord;
 class Configuration;
 class Faults;
 class ServiceLog;
@@ -29,7 +30,7 @@ public:
     /// `methods` are of the methods that neither read or write one setting nor have their answer
     /// in the profile. Throws JsonError if that leaves a method without an answer.
     Service(const contract::Interface &interface, Configuration &configuration,
-            UserSettings &userSettings, ServiceLog &log, Faults &faults,
+            UserSettings &userSettings, ServiceLog &log, CallRecord &calls, Faults &faults,
             const MethodTable &methods);
 
     QString introspect(const QString &path) const override;
@@ -42,6 +43,12 @@ Q_SIGNALS:
 private:
     void answerFaultily(const Fault &fault, const QDBusMessage &message,
                         const QDBusConnection &connection);
+    void answerWith(const QDBusMessage &answer, const QDBusMessage &message,
+                    const QDBusConnection &connection);
+    /// There are none: what lists the interface may ask nevertheless.
+    bool answerAboutProperties(const QDBusMessage &message, const QDBusConnection &connection);
+    /// For the service's log and for whoever controls the simulator.
+    void note(const QDBusMessage &message, const QString &outcome);
     QDBusMessage answerTo(const QDBusMessage &message);
     QVariant carryOut(const Call &call);
 
@@ -49,6 +56,7 @@ private:
     Configuration &m_configuration;
     UserSettings &m_userSettings;
     ServiceLog &m_log;
+    CallRecord &m_calls;
     Faults &m_faults;
     const MethodTable m_methods;
 };

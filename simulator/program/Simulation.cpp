@@ -3,6 +3,7 @@
 #include "program/Simulation.h"
 
 #include "bus/BusName.h"
+#include "bus/CallRecord.h"
 #include "bus/Control.h"
 #include "bus/Faults.h"
 #include "bus/Service.h"
@@ -50,10 +51,13 @@ void runSimulation(const Options &options)
     const Settings settings(interface);
     const Profile profile(options.profileFile, interface, settings);
     Store store(options.stateFile);
-    store.bindTo(profile.name());
+    const QString warning = store.bindTo(profile.name());
+    if (!warning.isEmpty())
+        std::fprintf(stderr, "embosser-simulator: %s\n", qPrintable(warning));
     Configuration configuration(settings, profile, store);
     UserSettings userSettings(configuration, store, options.usbDirectory);
     ServiceLog log;
+    CallRecord calls(interface);
     Faults faults(interface);
     for (const QString &fault : options.faults) {
         try {
@@ -87,9 +91,9 @@ void runSimulation(const Options &options)
     MethodTable methods = geometryQueries(configuration);
     methods.insert(parameterQueries(configuration));
     methods.insert(serviceCommands({configuration, userSettings, log, legacyFile, restart}));
-    Service service(interface, configuration, userSettings, log, faults, methods);
+    Service service(interface, configuration, userSettings, log, calls, faults, methods);
     QObject::connect(&service, &Service::leaveRequested, &name, &BusName::leave);
-    Control control(faults, log);
+    Control control(faults, log, calls, configuration);
     QObject::connect(&control, &Control::returnRequested, &name, &BusName::takeAgain);
     if (!bus.registerVirtualObject(QStringLiteral("/"), &service) ||
         !bus.registerObject(Control::path(), &control))

@@ -234,6 +234,11 @@ void Configuration::reset(const QString &name, const QString &collection)
     m_store.removeValue(scopeOf(setting(name), collection), name);
 }
 
+void Configuration::clear()
+{
+    m_store.clear();
+}
+
 void Configuration::setValues(const QString &collection, const QVariantMap &values)
 {
     Store::Transaction transaction(m_store);

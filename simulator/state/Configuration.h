@@ -69,6 +69,9 @@ public:
     /// Has the profile's value again.
     void reset(const QString &name, const QString &collection);
 
+    /// Has the model's values again in all collections, and only the master collection.
+    void clear();
+
     /// The master first; the others are those in which something has been set, or that are
     /// duplicates.
     QStringList collections() const;

@@ -6,6 +6,8 @@
 #include <QtCore/QFileInfo>
 #include <QtSql/QSqlError>
 
+#include <sys/stat.h>
+
 namespace simulator {
 
 namespace {
@@ -19,8 +21,17 @@ const int formatVersion = 1;
     throw StoreError(QStringLiteral("%1: %2").arg(file, reason).toStdString());
 }
 
+class MediumFull : public StoreError
+{
+public:
+    using StoreError::StoreError;
+};
+
 [[noreturn]] void fail(const QString &file, const QSqlError &error)
 {
+    const QString full = QStringLiteral("13"); // SQLITE_FULL
+    if (error.nativeErrorCode() == full)
+        throw MediumFull(QStringLiteral("%1: the medium is full").arg(file).toStdString());
     const QString busy = QStringLiteral("5"); // SQLITE_BUSY
     const QString reason = error.nativeErrorCode() == busy
                                ? QStringLiteral("is in use by another process")
@@ -50,6 +61,15 @@ void requireWritable(const QString &file)
     }
     if (!QFileInfo(QFileInfo(file).path()).isWritable())
         fail(file, QStringLiteral("its folder is not writable"));
+}
+
+/// Of no file, it is that of no other either.
+FileIdentity identityOf(const QString &file)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(file).constData(), &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino};
 }
 
 /// The files hold secrets, and SQLite gives those that it makes the permissions of the first.
@@ -87,7 +107,10 @@ Store::~Store()
 void Store::createOrCheckTables()
 {
     run(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
-    const bool isNew = number(QStringLiteral("SELECT count(*) FROM sqlite_master")) == 0;
+    // A file with something in it is not new, though SQLite may see nothing in it.
+    const bool isNew = QFileInfo(m_file).size() == 0;
+    if (!isNew)
+        requireTable();
     // Before anything is changed in a file that may be another program's.
     if (!isNew && number(QStringLiteral("PRAGMA application_id")) != applicationId)
         fail(m_file, QStringLiteral("is a database of another program"));
@@ -100,17 +123,48 @@ void Store::createOrCheckTables()
         fail(m_file, QStringLiteral("is damaged: %1")
                          .arg(check.value(0).toString().section(QLatin1Char('\n'), -1)));
     check.finish();
+    // Before the log is made, so that there is never a file without the table.
+    if (isNew)
+        createTable();
     run(QStringLiteral("PRAGMA journal_mode = WAL"));
     // An answered write outlives also a loss of power.
     run(QStringLiteral("PRAGMA synchronous = FULL"));
     run(QStringLiteral("BEGIN EXCLUSIVE"));
-    if (isNew) {
-        run(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
-        run(QStringLiteral("PRAGMA user_version = %1").arg(formatVersion));
-        run(QStringLiteral("CREATE TABLE setting (scope TEXT NOT NULL, name TEXT NOT NULL, "
-                           "value NOT NULL, PRIMARY KEY (scope, name)) WITHOUT ROWID"));
-    }
     run(QStringLiteral("COMMIT"));
+    m_identity = identityOf(m_file);
+}
+
+void Store::createTable()
+{
+    run(QStringLiteral("BEGIN EXCLUSIVE"));
+    run(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
+    run(QStringLiteral("PRAGMA user_version = %1").arg(formatVersion));
+    run(QStringLiteral("CREATE TABLE setting (scope TEXT NOT NULL, name TEXT NOT NULL, "
+                       "value NOT NULL, PRIMARY KEY (scope, name)) WITHOUT ROWID"));
+    run(QStringLiteral("COMMIT"));
+}
+
+void Store::requireTable()
+{
+    const int tables = number(QStringLiteral("SELECT count(*) FROM sqlite_master"));
+    const int ours =
+        number(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = 'setting'"));
+    // Tables of other names are those of another program.
+    if (ours == 0 &&
+        (tables == 0 || number(QStringLiteral("PRAGMA application_id")) == applicationId))
+        fail(m_file, QStringLiteral("is damaged: it has no table of settings"));
+}
+
+void Store::requireFile() const
+{
+    if (!m_file.isEmpty() && identityOf(m_file) != m_identity)
+        fail(m_file, QStringLiteral("has been deleted or replaced"));
+}
+
+void Store::change(const QString &sql, const QVariantList &values)
+{
+    requireFile();
+    run(sql, values);
 }
 
 int Store::number(const QString &sql) const
@@ -133,7 +187,7 @@ QSqlQuery Store::run(const QString &sql, const QVariantList &values) const
     return query;
 }
 
-void Store::bindTo(const QString &model)
+QString Store::bindTo(const QString &model)
 {
     const QString scope = QStringLiteral("store");
     const QString name = QStringLiteral("model");
@@ -141,7 +195,20 @@ void Store::bindTo(const QString &model)
     if (stored.isValid() && stored != model)
         fail(m_file, QStringLiteral("holds the state of the model %1, not %2")
                          .arg(stored.toString(), model));
-    setValue(scope, name, model);
+    try {
+        setValue(scope, name, model);
+    } catch (const MediumFull &full) {
+        if (!stored.isValid())
+            throw;
+        return QString::fromUtf8(full.what()) +
+               QStringLiteral("; nothing can be set until there is room");
+    }
+    return {};
+}
+
+void Store::clear()
+{
+    change(QStringLiteral("DELETE FROM setting WHERE scope <> 'store'"));
 }
 
 QVariant Store::value(const QString &scope, const QString &name) const
@@ -163,24 +230,24 @@ QMap<QString, QVariant> Store::values(const QString &scope) const
 
 void Store::setValue(const QString &scope, const QString &name, const QVariant &value)
 {
-    run(QStringLiteral("INSERT OR REPLACE INTO setting VALUES (?, ?, ?)"), {scope, name, value});
+    change(QStringLiteral("INSERT OR REPLACE INTO setting VALUES (?, ?, ?)"), {scope, name, value});
 }
 
 void Store::removeValue(const QString &scope, const QString &name)
 {
-    run(QStringLiteral("DELETE FROM setting WHERE scope = ? AND name = ?"), {scope, name});
+    change(QStringLiteral("DELETE FROM setting WHERE scope = ? AND name = ?"), {scope, name});
 }
 
 void Store::removeScope(const QString &scope)
 {
-    run(QStringLiteral("DELETE FROM setting WHERE scope = ?"), {scope});
+    change(QStringLiteral("DELETE FROM setting WHERE scope = ?"), {scope});
 }
 
 void Store::copyScope(const QString &from, const QString &to)
 {
-    run(QStringLiteral("INSERT OR REPLACE INTO setting "
-                       "SELECT ?, name, value FROM setting WHERE scope = ?"),
-        {to, from});
+    change(QStringLiteral("INSERT OR REPLACE INTO setting "
+                          "SELECT ?, name, value FROM setting WHERE scope = ?"),
+           {to, from});
 }
 
 Store::Transaction::Transaction(Store &store) : m_store(store), m_outermost(!store.m_inTransaction)

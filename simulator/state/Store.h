@@ -4,6 +4,7 @@
 #define SIMULATOR_STATE_STORE_H
 
 #include <QtCore/QMap>
+#include <QtCore/QPair>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVariant>
@@ -13,6 +14,9 @@
 #include <stdexcept>
 
 namespace simulator {
+
+/// What tells a file from any other on the same machine.
+using FileIdentity = QPair<quint64, quint64>;
 
 /// The state cannot be kept; what() says why.
 class StoreError : public std::runtime_error
@@ -34,8 +38,12 @@ public:
     ~Store();
     Q_DISABLE_COPY(Store)
 
-    /// Marks what is kept as the state of a model. Throws if it is that of another one.
-    void bindTo(const QString &model);
+    /// Marks what is kept as the state of a model. Throws if it is that of another one. Returns a
+    /// warning if nothing can be kept beside what is there already, since the medium is full.
+    QString bindTo(const QString &model);
+
+    /// Forgets all that has been set.
+    void clear();
 
     /// Invalid when nothing has been set.
     QVariant value(const QString &scope, const QString &name) const;
@@ -66,9 +74,15 @@ private:
     QSqlQuery run(const QString &sql, const QVariantList &values = {}) const;
     int number(const QString &sql) const;
     void createOrCheckTables();
+    void createTable();
+    void requireTable();
+    /// Of a file that has been deleted or replaced, nothing would ever be read again.
+    void requireFile() const;
+    void change(const QString &sql, const QVariantList &values = {});
 
     const QString m_file;
     QSqlDatabase m_database;
+    FileIdentity m_identity;
     bool m_inTransaction = false;
 };
 

@@ -195,7 +195,29 @@ private Q_SLOTS:
         QCOMPARE(methods().constLast(), QStringLiteral("getTabSize"));
     }
 
+    void ofAnInterfaceWithoutPropertiesTheMapIsEmpty()
+    {
+        for (const QString &interface :
+             {Simulator::serviceName(), QStringLiteral("org.freedesktop.DBus.Properties"),
+              QStringLiteral("org.freedesktop.DBus.Introspectable"),
+              QStringLiteral("org.freedesktop.DBus.Peer")}) {
+            const QDBusMessage reply = getAll(interface);
+            QCOMPARE(reply.signature(), QStringLiteral("a{sv}"));
+            QCOMPARE(qdbus_cast<QVariantMap>(reply.arguments().value(0)), QVariantMap());
+        }
+        QCOMPARE(getAll(QStringLiteral("org.example.None")).type(), QDBusMessage::ErrorMessage);
+    }
+
 private:
+    QDBusMessage getAll(const QString &interface) const
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            Simulator::serviceName(), QStringLiteral("/"),
+            QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"));
+        call << interface;
+        return m_simulator.connection().call(call);
+    }
+
     QString introspect(const QString &path) const
     {
         const QDBusMessage reply = m_simulator.connection().call(QDBusMessage::createMethodCall(

@@ -175,6 +175,70 @@ private Q_SLOTS:
         QCOMPARE(ended.errors, QStringLiteral("embosser-simulator: %1: %2\n").arg(m_state, reason));
     }
 
+    void aFileWithoutTheTableIsRefused()
+    {
+        QFile file(m_state);
+        QVERIFY(file.open(QFile::WriteOnly));
+        QCOMPARE(file.write("x"), qint64(1));
+        file.close();
+        expectRefusal({QStringLiteral("--state"), m_state},
+                      "is damaged: it has no table of settings");
+        QCOMPARE(file.size(), qint64(1));
+        QVERIFY(file.remove());
+        start();
+        m_simulator.process().terminateAndWait();
+        change("DROP TABLE setting");
+        expectRefusal({QStringLiteral("--state"), m_state},
+                      "is damaged: it has no table of settings");
+    }
+
+    void aFileThatIsGoneIsNoticedWithTheNextWrite()
+    {
+        start();
+        set("setTabSize", {7});
+        QVERIFY(QFile::remove(m_state));
+        QCOMPARE(m_simulator.error("setTabSize", {8}),
+                 m_state + QStringLiteral(": has been deleted or replaced"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(7));
+        QFile other(m_state);
+        QVERIFY(other.open(QFile::WriteOnly));
+        QVERIFY(!m_simulator.error("setTabSize", {8}).isEmpty());
+    }
+
+    void aFullMediumIsNoReasonNotToStart()
+    {
+        ChildProcess mount(QStringLiteral("mount"),
+                           {QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                            QStringLiteral("size=256k"), QStringLiteral("tmpfs"),
+                            m_directory->path()});
+        mount.start();
+        if (waitForEnd(mount).exitCode != 0) {
+            QTest::qSkip("file systems cannot be mounted here", __FILE__, __LINE__);
+            return;
+        }
+        start();
+        set("setTabSize", {7});
+        m_simulator.process().terminateAndWait();
+        QFile filler(m_directory->filePath(QStringLiteral("filler")));
+        QVERIFY(filler.open(QFile::WriteOnly | QFile::Unbuffered));
+        const QByteArray block(4096, 'x');
+        while (filler.write(block) == block.size()) {
+        }
+        start();
+        const QString full = m_state + QStringLiteral(": the medium is full");
+        const int value = m_simulator.value("getTabSize").toInt();
+        const QString refusal = m_simulator.error("setTabSize", {8});
+        filler.remove();
+        const QString afterwards = m_simulator.error("setTabSize", {8});
+        m_simulator.process().terminateAndWait();
+        ChildProcess unmount(QStringLiteral("umount"), {m_directory->path()});
+        unmount.start();
+        QCOMPARE(waitForEnd(unmount).exitCode, 0);
+        QCOMPARE(value, 7);
+        QCOMPARE(refusal, full);
+        QCOMPARE(afterwards, QString());
+    }
+
     void whatIsNoFileIsRefused()
     {
         QCOMPARE(::mkfifo(qPrintable(m_state), 0600), 0);

@@ -2,7 +2,9 @@
 
 #include "Simulator.h"
 
+#include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusServiceWatcher>
+#include <QtDBus/QDBusVariant>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
@@ -284,6 +286,75 @@ private Q_SLOTS:
         QCOMPARE(control("History").toList().size(), 3);
     }
 
+    void theNextCallsAreAnsweredWithAnyValue()
+    {
+        const auto answerWith = [this](const QVariant &value) {
+            control("Answer",
+                    {QStringLiteral("getTabSize"), 1U, QVariant::fromValue(QDBusVariant(value))});
+        };
+        answerWith(QStringLiteral("eight"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant("eight"));
+        answerWith(2.5);
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(2.5));
+        answerWith(QVariantMap{{QStringLiteral("key"), 7}});
+        QCOMPARE(m_simulator.value("getTabSize"),
+                 QVariant(QVariantMap{{QStringLiteral("key"), 7}}));
+        answerWith(QStringList{QStringLiteral("a"), QStringLiteral("b")});
+        QCOMPARE(m_simulator.call("getTabSize").signature(), QStringLiteral("as"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+    }
+
+    void whatIsAnsweredAtOnceIsNotCarriedOut()
+    {
+        control("Answer",
+                {QStringLiteral("setTabSize"), 1U, QVariant::fromValue(QDBusVariant(true))});
+        QCOMPARE(m_simulator.value("setTabSize", {7}), QVariant(true));
+        control("Refuse", {QStringLiteral("setTabSize"), 1U, QStringLiteral("org.example.No"),
+                           QStringLiteral("not now")});
+        const QDBusMessage refused = m_simulator.call("setTabSize", {7});
+        QCOMPARE(refused.errorName(), QStringLiteral("org.example.No"));
+        QCOMPARE(refused.errorMessage(), QStringLiteral("not now"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+        inject("refuse", "getTabSize", 1, "org.example.No: neither");
+        QCOMPARE(m_simulator.call("getTabSize").errorName(), QStringLiteral("org.example.No"));
+    }
+
+    void theCallsAreRecorded()
+    {
+        const QString master = Simulator::masterCollection();
+        const QString secret = QStringLiteral("open sesame");
+        m_simulator.call("setTabSize", {7});
+        m_simulator.call("setTabSize", {9});
+        m_simulator.call("setPassphrase", {secret, master});
+        m_simulator.call("processSequence", {QVariantMap{{QStringLiteral("Passphrase"), secret},
+                                                         {QStringLiteral("TabSize"), 3}}});
+        const auto invalid =
+            QStringLiteral("com.tavelornbraille.ConfigurationManager.Error.InvalidValue");
+        QCOMPARE(recorded(QStringLiteral("setTabSize")),
+                 QStringList({QStringLiteral("setTabSize 7 ok"),
+                              QStringLiteral("setTabSize 9 ") + invalid}));
+        QCOMPARE(recorded(QStringLiteral("setPassphrase")),
+                 QStringList(QStringLiteral("setPassphrase (withheld) ok")));
+        const QStringList all = recorded(QString());
+        // getType is called before each test.
+        QCOMPARE(all.size(), 5);
+        QVERIFY(!all.join(QLatin1Char(' ')).contains(secret));
+        m_simulator.control(QStringLiteral("Calls"), QStringLiteral("Clear"));
+        QCOMPARE(recorded(QString()), QStringList());
+    }
+
+    void aResetBringsTheModelsValuesBack()
+    {
+        const QString other = QStringLiteral("other");
+        QCOMPARE(m_simulator.error("setTabSize", {7}), QString());
+        QCOMPARE(m_simulator.error("setLetterFont", {3, other, true}), QString());
+        m_simulator.control(QStringLiteral("Calls"), QStringLiteral("Reset"));
+        QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+        QCOMPARE(m_simulator.value("getLetterFont", {other}), QVariant(0));
+        QCOMPARE(m_simulator.value("loadUserSettings"), QVariant(false));
+        QCOMPARE(m_simulator.value("removeCatalogsCollection", {other}), QVariant(false));
+    }
+
     void aFaultThatCannotBeIsRefused_data()
     {
         QTest::addColumn<QString>("kind");
@@ -302,6 +373,10 @@ private Q_SLOTS:
                                    << "getType"
                                    << ""
                                    << "delay takes a number of milliseconds";
+        QTest::newRow("no error") << "refuse"
+                                  << "getType"
+                                  << "no error: it says"
+                                  << "refuse takes the name of a D-Bus error";
         QTest::newRow("negative detail") << "delay"
                                          << "getType"
                                          << "-1"
@@ -329,6 +404,28 @@ private Q_SLOTS:
     }
 
 private:
+    /// Method, first argument and outcome of the calls.
+    QStringList recorded(const QString &method) const
+    {
+        QStringList calls;
+        const QVariant list =
+            m_simulator.control(QStringLiteral("Calls"), QStringLiteral("Calls"), {method});
+        for (const QVariant &call : list.toList()) {
+            const QVariantMap map = call.toMap();
+            const auto arguments = qdbus_cast<QVariantList>(map.value(QStringLiteral("arguments")));
+            QString first = arguments.value(0).toString();
+            if (arguments.value(0).userType() == qMetaTypeId<QDBusArgument>()) {
+                const auto sequence = qdbus_cast<QVariantMap>(arguments.value(0));
+                for (const QVariant &value : sequence)
+                    first += value.toString();
+            }
+            calls += QStringLiteral("%1 %2 %3")
+                         .arg(map.value(QStringLiteral("method")).toString(), first,
+                              map.value(QStringLiteral("outcome")).toString());
+        }
+        return calls;
+    }
+
     static QDBusMessage message(const QString &method)
     {
         return QDBusMessage::createMethodCall(Simulator::serviceName(), QStringLiteral("/"),

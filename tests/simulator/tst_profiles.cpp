@@ -89,7 +89,7 @@ private Q_SLOTS:
             2, "settings/Baudrate/default: 9600 is none of: 1200, 2400");
         row("list for what has bounds in the base", R"({"base": "Arvo", "settings": {"AlignLow": {
 "row": "OnOff"}}})",
-            2, "settings/AlignLow/max: is none of: default, unit, row");
+            2, "settings/AlignLow/max: is none of: default, unit, available, row");
         row("length that the value of the base exceeds",
             R"({"base": "Arvo", "settings": {"SerialNo": {
 "maxLength": 5}}})",
@@ -120,14 +120,16 @@ private Q_SLOTS:
             2, "settings/Baudrate/maximum: is none of: default, ");
         row("list for a length", R"({"base": "Arvo", "settings": {"PaperWidth": {
 "row": "OnOff"}}})",
-            2, "settings/PaperWidth/row: is none of: follows, unit, min, max, precision");
+            2,
+            "settings/PaperWidth/row: is none of: follows, unit, available, min, max, below, "
+            "precision");
         row("unknown property of the paper", R"({"base": "Arvo", "settings": {"PaperWidth": {
 "follows": "depth"}}})",
             2, "settings/PaperWidth/follows: is not a property of a paper");
         row("current paper that follows itself", R"({"base": "Arvo", "settings": {"PaperSize": {
 "default": null, "row": null,
 "follows": "sizeUnit"}}})",
-            3, "settings/PaperSize/follows: depends on PaperSize itself");
+            2, "settings/PaperSize/row: is missing");
         row("setting that follows itself by way of another one",
             R"({"base": "Arvo", "settings": {"BrailleCellSize": {
 "default": null,
