@@ -2,14 +2,17 @@
 
 #include "ConfigurationManager_p.h"
 
+#include "CallInFlight.h"
+
 #include <libtavelorn/DBusService.h>
 
 #include <QtCore/QDebug>
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QMutexLocker>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusReply>
+
+#include <mutex>
 
 namespace libconfigurationmanager {
 namespace detail {
@@ -33,7 +36,7 @@ QByteArray functionOf(Operation operation)
 
 void logNotConnected(Operation operation)
 {
-    if (!category.isCriticalEnabled())
+    if (CallInFlight::isProcessEnding() || !category.isCriticalEnabled())
         return;
     // Lives as long as the message handler runs, and no longer.
     const QByteArray function = functionOf(operation);
@@ -43,6 +46,7 @@ void logNotConnected(Operation operation)
 
 void logError(Operation operation, const QDBusError &error)
 {
+    const CallInFlight::Logging logging;
     const QByteArray function = functionOf(operation);
     QMessageLogger(sourceFile, operation.line(), function, "default").critical() << error.message();
 }
@@ -76,7 +80,10 @@ Result ConfigurationManagerPrivate::perform(Operation operation,
         logNotConnected(operation);
         return Result();
     }
-    const QMutexLocker locker(&mutex);
+    const CallInFlight inFlight;
+    const std::lock_guard<FairAccess> locker(access);
+    if (CallInFlight::isProcessEnding())
+        return Result();
     return resultOf<Result>(send(operation, arguments), operation);
 }
 

@@ -2,12 +2,14 @@
 
 #include "ConfigurationManager_p.h"
 
+#include "CallInFlight.h"
 #include "WireTypes.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 #include <libtavelorn/DBusService.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
 #include <QtDBus/QDBusConnection>
 
 namespace libconfigurationmanager {
@@ -37,7 +39,16 @@ ConfigurationManagerPrivate::ConfigurationManagerPrivate(ConfigurationManager *f
     connect(service, &libtavelorn::DBusService::disconnected, q,
             &ConfigurationManager::disconnected);
     interface = service->interface(objectPath, serviceName);
+    CallInFlight::awaitAllAtExit();
     registerWireTypes();
+
+    // It outlives the thread too, whose event loop would no longer take what the bus tells.
+    QThread *const mainThread = QCoreApplication::instance()->thread();
+    if (thread() != mainThread) {
+        connect(
+            thread(), &QThread::finished, this, [this, mainThread] { moveToThread(mainThread); },
+            Qt::DirectConnection);
+    }
 }
 
 void ConfigurationManagerPrivate::setCheckConnection(bool check)

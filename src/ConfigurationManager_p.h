@@ -3,6 +3,7 @@
 #ifndef LIBCONFIGURATIONMANAGER_CONFIGURATIONMANAGER_P_H
 #define LIBCONFIGURATIONMANAGER_CONFIGURATIONMANAGER_P_H
 
+#include "FairAccess.h"
 #include "Operation.h"
 
 #include <libconfigurationmanager/lcm.h>
@@ -597,6 +598,7 @@ private:
     libtavelorn::DBusService *service;
     bool checkConnection = true;
     QString collectionId;
+    mutable FairAccess access{mutex};
 };
 
 /// Hands the parameters of an operation to the call convention.

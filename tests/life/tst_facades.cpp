@@ -107,6 +107,18 @@ private Q_SLOTS:
         QTRY_VERIFY(!alive);
     }
 
+    void oneWhoseThreadHasEndedStillLearnsOfTheService()
+    {
+        const auto manager = std::async(std::launch::async, [] {
+                                 return std::make_unique<ConfigurationManager>(nullptr);
+                             }).get();
+        QVERIFY(!manager->isConnected());
+        m_service.start();
+        QTRY_VERIFY(manager->isConnected());
+        m_service.kill();
+        QTRY_VERIFY(!manager->isConnected());
+    }
+
     void aCallOfAnotherThreadOutlivesIt_data()
     {
         QTest::addColumn<Answer>("answer");

@@ -19,10 +19,12 @@
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <functional>
+#include <future>
 #include <memory>
+#include <numeric>
 #include <thread>
 #include <vector>
 
@@ -48,10 +50,11 @@ public:
     }
 };
 
-/// Calls until the time is over. The answer to each question is the question.
-void ask(const ConfigurationManager &manager)
+/// Calls until the time is over, and returns how often. The answer to each question is the
+/// question.
+qint64 ask(const ConfigurationManager &manager)
 {
-    thread_local int number = 0;
+    qint64 number = 0;
     while (!isOver) {
         const QString question =
             QStringLiteral("%1-%2")
@@ -64,6 +67,7 @@ void ask(const ConfigurationManager &manager)
         else if (!answer.isNull())
             ++mistakeCount;
     }
+    return number;
 }
 
 /// Threads that call, each over the manager that stands at its place, round by round.
@@ -72,20 +76,28 @@ class Callers
 public:
     Callers(int count, const std::vector<std::unique_ptr<ConfigurationManager>> &managers)
     {
-        for (int i = 0; i < count; ++i)
-            m_threads.emplace_back(
-                [&manager = *managers.at(i % managers.size())] { ask(manager); });
+        for (int i = 0; i < count; ++i) {
+            m_callers.push_back(
+                std::async(std::launch::async, [&manager = *managers.at(i % managers.size())] {
+                    return ask(manager);
+                }));
+        }
     }
-    ~Callers()
-    {
-        isOver = true;
-        for (std::thread &thread : m_threads)
-            thread.join();
-    }
+    ~Callers() { isOver = true; }
     Q_DISABLE_COPY(Callers)
 
+    /// Ends them, and returns how many calls each of them has made.
+    std::vector<qint64> counts()
+    {
+        isOver = true;
+        std::vector<qint64> all;
+        for (std::future<qint64> &caller : m_callers)
+            all.push_back(caller.get());
+        return all;
+    }
+
 private:
-    std::vector<std::thread> m_threads;
+    std::vector<std::future<qint64>> m_callers;
 };
 
 std::vector<std::unique_ptr<ConfigurationManager>> managers(int count)
@@ -111,6 +123,21 @@ void call(const QStringList &behaviour, int threads, int managerCount, int milli
     const auto all = managers(managerCount);
     const Callers callers(threads, all);
     runEventLoop(milliseconds);
+}
+
+/// Threads that share a manager get equal parts of its time.
+void share(int milliseconds)
+{
+    const Service service({QStringLiteral("echo")});
+    const auto all = managers(1);
+    Callers callers(threadCount, all);
+    runEventLoop(milliseconds);
+    const std::vector<qint64> counts = callers.counts();
+    const qint64 mean = std::accumulate(counts.begin(), counts.end(), qint64(0)) / threadCount;
+    const qint64 least = *std::min_element(counts.begin(), counts.end());
+    std::printf("%lld calls at least, %lld on average\n", least, mean);
+    if (least < mean / 2)
+        ++mistakeCount;
 }
 
 /// One manager is called in a thread, while the main thread asks the bus for owners.
@@ -145,22 +172,41 @@ int exitCode()
     return mistakeCount == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// A process loses its bus only once, so that each time is a process of its own.
-int loseBuses(const QString &program, int milliseconds)
+/// The process ends while all threads go on calling.
+void leaveThreadsCalling()
 {
+    // Not destroyed at exit, when the threads still use them.
+    static const auto *const all = new auto(managers(threadCount));
+    for (const auto &manager : *all)
+        std::thread([&manager] { ask(*manager); }).detach();
+    runEventLoop(50);
+}
+
+/// A message handler ends the process out of a call.
+void leaveOutOfACall()
+{
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &) { exit(EXIT_SUCCESS); });
+    ask(*managers(1).front());
+}
+
+/// What happens to a process only once is repeated in processes of their own.
+int repeat(const QString &shape, int milliseconds)
+{
+    constexpr int longestCall = 25000;
     int count = 0;
     QElapsedTimer timer;
     for (timer.start(); timer.elapsed() < milliseconds; ++count) {
-        ChildProcess child(program, {QStringLiteral("bus-lost")});
+        ChildProcess child(QCoreApplication::applicationFilePath(), {shape});
         child.setStandardOutputFile(QProcess::nullDevice());
         child.start();
-        if (!child.waitForFinished() || child.exitStatus() != QProcess::NormalExit ||
+        if (!child.waitForFinished(2 * longestCall) || child.exitStatus() != QProcess::NormalExit ||
             child.exitCode() != EXIT_SUCCESS) {
-            std::printf("failed after %d buses: %s\n", count, qPrintable(child.errorString()));
+            std::printf("failed after %d times: %s\n", count, qPrintable(child.errorString()));
             return EXIT_FAILURE;
         }
     }
-    std::printf("%d buses lost\n", count);
+    std::printf("%d times\n", count);
     return EXIT_SUCCESS;
 }
 
@@ -173,11 +219,36 @@ int main(int argc, char *argv[])
     const QString shape = arguments.value(1);
     const int milliseconds = arguments.value(2, QStringLiteral("1")).toInt() * 1000;
     if (shape == QStringLiteral("lost-buses"))
-        return loseBuses(QCoreApplication::applicationFilePath(), milliseconds);
+        return repeat(QStringLiteral("bus-lost"), milliseconds);
 
     // Each failed call is a line: thousands of them a second are of no use to anybody.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    if (shape == QStringLiteral("left-by-return")) {
+        leaveThreadsCalling();
+        return EXIT_SUCCESS;
+    }
+    if (shape == QStringLiteral("left-by-exit")) {
+        leaveThreadsCalling();
+        exit(EXIT_SUCCESS);
+    }
+
+    if (shape == QStringLiteral("left-out-of-a-call"))
+        leaveOutOfACall();
+
     PrivateBus bus;
+    if (shape == QStringLiteral("exits")) {
+        const Service service({QStringLiteral("echo")});
+        return repeat(QStringLiteral("left-by-return"), milliseconds / 2) |
+               repeat(QStringLiteral("left-by-exit"), milliseconds / 2);
+    }
+    if (shape == QStringLiteral("exits-out-of-a-call")) {
+        const Service service({QStringLiteral("error")});
+        return repeat(QStringLiteral("left-out-of-a-call"), milliseconds);
+    }
+    if (shape == QStringLiteral("exits-with-a-silent-service")) {
+        const Service service({QStringLiteral("silence")});
+        return repeat(QStringLiteral("left-by-exit"), milliseconds);
+    }
     if (shape == QStringLiteral("answers"))
         call({QStringLiteral("echo")}, threadCount, 1, milliseconds);
     else if (shape == QStringLiteral("errors-without-body"))
@@ -191,6 +262,8 @@ int main(int argc, char *argv[])
     else if (shape == QStringLiteral("restarts-of-eight-managers"))
         call({QStringLiteral("echo"), QStringLiteral("20")}, threadCount, threadCount,
              milliseconds);
+    else if (shape == QStringLiteral("shares"))
+        share(milliseconds);
     else if (shape == QStringLiteral("owners"))
         askForOwners(milliseconds);
     else if (shape == QStringLiteral("bus-lost"))
