@@ -9,12 +9,20 @@
 namespace libconfigurationmanager {
 namespace detail {
 
-/// Says why the arguments cannot be sent over D-Bus; empty when they can.
+/// Texts of so many characters can always be sent, as many of them as any operation has.
+constexpr int shortText = 1024 * 1024;
+
+/// Says why the arguments cannot be sent over D-Bus; empty when they can. The vocabulary's
+/// enumerations in them have then become the integers as which they are sent.
 ///
-/// Qt does not ask before it writes: a value without a D-Bus type inside a map stops the process,
-/// and one that is nested too deeply loses the connection. The text names keys and types, but no
-/// value.
-QString marshallingProblem(const QVariantList &arguments);
+/// Neither Qt nor libdbus asks before it writes: a value without a D-Bus type inside a map stops
+/// the process, and a message that is too large, is nested too deeply or has too many file
+/// descriptors loses the connection. The text names keys and types, but no value.
+///
+/// What an application writes itself, by the operator of a type that it has registered or into a
+/// QDBusArgument, is only compared with its signature: how large it is, and what its variants hold,
+/// cannot be seen from here.
+QString marshallingProblem(QVariantList &arguments);
 
 } // namespace detail
 } // namespace libconfigurationmanager

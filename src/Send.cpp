@@ -11,6 +11,8 @@
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
 
+#include <algorithm>
+
 namespace libconfigurationmanager {
 namespace detail {
 
@@ -40,6 +42,19 @@ QString remoteMethodOf(Operation operation)
     return QString::fromLatin1(name.constData(), name.size());
 }
 
+bool isLong(const QString &text)
+{
+    return text.size() > shortText;
+}
+
+/// Whether it depends on what the argument holds if it can be sent.
+bool isInQuestion(const Argument &argument)
+{
+    return argument.type == QMetaType::QVariantMap ||
+           (argument.type == QMetaType::QString &&
+            isLong(*static_cast<const QString *>(argument.value)));
+}
+
 } // namespace
 
 QMetaMethod Operation::metaMethod() const
@@ -60,9 +75,11 @@ QDBusMessage ConfigurationManagerPrivate::send(Operation operation,
         values.append(collectionId);
     for (auto argument = flag; argument != arguments.end(); ++argument)
         values.append(variantOf(*argument));
-    const QString problem = marshallingProblem(values);
-    if (!problem.isEmpty())
-        return QDBusMessage::createError(QDBusError::InvalidArgs, problem);
+    if (isLong(collectionId) || std::any_of(arguments.begin(), arguments.end(), isInQuestion)) {
+        const QString problem = marshallingProblem(values);
+        if (!problem.isEmpty())
+            return QDBusMessage::createError(QDBusError::InvalidArgs, problem);
+    }
     // Not call(): Qt's blocking calls share the reply, and the error of the connection, with Qt's
     // own D-Bus thread without a lock, so that ordinary errors corrupt the heap.
     QDBusPendingCall call = interface->asyncCallWithArgumentList(remoteMethodOf(operation), values);

@@ -29,9 +29,30 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, PropList &list)
 
 } // namespace lcm
 
-void libconfigurationmanager::detail::registerWireTypes()
+namespace libconfigurationmanager {
+namespace detail {
+
+void registerWireTypes()
 {
     qDBusRegisterMetaType<lcm::PropList>();
     qDBusRegisterMetaType<ConfigurationList>();
     qDBusRegisterMetaType<QPair<QString, QVariantMap>>();
 }
+
+int propListType()
+{
+    return qMetaTypeId<lcm::PropList>();
+}
+
+int configurationListType()
+{
+    return qMetaTypeId<ConfigurationList>();
+}
+
+int sectionType()
+{
+    return qMetaTypeId<QPair<QString, QVariantMap>>();
+}
+
+} // namespace detail
+} // namespace libconfigurationmanager

@@ -100,6 +100,12 @@ QString deviations(Facade &facade, const QVector<QMetaMethod> &methods,
     return all.join(QLatin1Char('\n'));
 }
 
+QMetaMethod slotOf(const char *signature)
+{
+    const QMetaObject &metaObject = Facade::staticMetaObject;
+    return metaObject.method(metaObject.indexOfSlot(signature));
+}
+
 QVector<QMetaMethod> allSlots()
 {
     return slotsOf(Facade::staticMetaObject);

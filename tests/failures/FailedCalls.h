@@ -37,6 +37,9 @@ QString deviation(Facade &facade, const QMetaMethod &slot, const QVariantList &a
 QString deviations(Facade &facade, const QVector<QMetaMethod> &methods,
                    const ExpectedLine &expected);
 
+/// The slot of this normalised signature.
+QMetaMethod slotOf(const char *signature);
+
 /// All operations and their variants.
 QVector<QMetaMethod> allSlots();
 

@@ -72,18 +72,6 @@ void write(const QString &path, const QByteArray &content)
     file.write(content);
 }
 
-/// Whether a mount name space of one's own can be had, which an ordinary container does not allow.
-bool canMount()
-{
-    ChildProcess mount(QStringLiteral("unshare"),
-                       {QStringLiteral("--mount"), QStringLiteral("--pid"),
-                        QStringLiteral("--fork"), QStringLiteral("mount"), QStringLiteral("-t"),
-                        QStringLiteral("tmpfs"), QStringLiteral("tmpfs"), QStringLiteral("/run")});
-    mount.setProcessChannelMode(QProcess::SeparateChannels);
-    mount.start();
-    return waitForEnd(mount).exitCode == 0;
-}
-
 /// What systemd says of a unit; in a container that has no systemd, it may say no to every one.
 Ended verify(const QString &unit)
 {

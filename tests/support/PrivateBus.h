@@ -6,10 +6,18 @@
 #include "ChildProcess.h"
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
 #include <QtDBus/QDBusConnection>
 
-/// A dbus-daemon of a test's own, which this process and its children take for the system bus.
+/// Whether a mount name space of one's own can be had, which an ordinary container does not allow.
+bool canMount();
+
+/// A bus of a test's own, which this process and its children take for the system bus.
+///
+/// The environment variable TEST_BUS chooses it: "dbus-daemon" or "dbus-broker", with the limits of a
+/// system bus, or, without it, a dbus-daemon that has the limits of a session's. Where there can be
+/// no dbus-broker, the whole test is skipped.
 ///
 /// Make it before anything asks for QDBusConnection::systemBus(), which Qt connects only once.
 class PrivateBus
@@ -27,6 +35,7 @@ public:
 
 private:
     QTemporaryDir m_directory;
+    const QStringList m_command;
     ChildProcess m_daemon;
     QString m_address;
 };

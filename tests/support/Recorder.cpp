@@ -50,6 +50,11 @@ QVector<RecordedCall> Recorder::takeCalls()
     return std::exchange(m_calls, {});
 }
 
+int Recorder::forgetCalls()
+{
+    return takeCalls().size();
+}
+
 void Recorder::leaveTheBus()
 {
     QDBusConnection(m_connection).unregisterService(serviceName);

@@ -24,6 +24,7 @@ public:
 public Q_SLOTS:
     void setAnswer(const QString &member, const Answer &answer);
     QVector<RecordedCall> takeCalls();
+    int forgetCalls();
     int mostCallsInFlight() const;
     void leaveTheBus();
 

@@ -48,6 +48,11 @@ QVector<RecordedCall> RecordingService::takeCalls()
     return qdbus_cast<QVector<RecordedCall>>(reply.constFirst());
 }
 
+int RecordingService::forgetCalls()
+{
+    return control(QStringLiteral("forgetCalls")).constFirst().toInt();
+}
+
 int RecordingService::mostCallsInFlight()
 {
     return control(QStringLiteral("mostCallsInFlight")).constFirst().toInt();

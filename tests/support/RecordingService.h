@@ -39,6 +39,11 @@ public:
     /// Returns the calls so far, of any interface (also an introspection), and forgets them.
     QVector<RecordedCall> takeCalls();
 
+    /// Forgets the calls so far, and returns how many there were.
+    ///
+    /// For calls that are too large, or nested too deeply, to be passed on.
+    int forgetCalls();
+
     /// Returns how many calls at most were unanswered at the same time.
     ///
     /// Says something only when the answers are delayed.
