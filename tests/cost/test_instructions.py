@@ -19,6 +19,7 @@ CALLS = 50
 # method, which stands in the meta-object as Latin-1.
 MOST_INSTRUCTIONS = {"getter": 560, "setter": 720}
 MOST_ALLOCATIONS = 1
+MOST_INSTRUCTIONS_OF_AN_ENTRY = 250
 
 # Where the threads meet.
 LEFT_OUT = re.compile(r"QDBusAbstractInterface::asyncCallWithArgumentList|"
@@ -62,8 +63,12 @@ class Cost(unittest.TestCase):
             with self.subTest(what):
                 self.assert_at_most(f"instructions of a {what}", added_instructions(what), limit)
 
+    def test_instructions_of_an_entry_of_a_map(self):
+        of_an_entry = (added_instructions("map of 104") - added_instructions("map of 4")) / 100
+        self.assert_at_most("instructions of an entry", of_an_entry, MOST_INSTRUCTIONS_OF_AN_ENTRY)
+
     def test_allocations_of_a_call_beyond_the_same_call_by_hand(self):
-        for what in MOST_INSTRUCTIONS:
+        for what in (*MOST_INSTRUCTIONS, "map of 4", "map of 104"):
             with self.subTest(what):
                 by_library, by_hand = map(float, run(PROGRAM, what).split())
                 self.assert_at_most(f"allocations of a {what}", by_library - by_hand,
