@@ -15,9 +15,9 @@ bool canMount();
 
 /// A bus of a test's own, which this process and its children take for the system bus.
 ///
-/// The environment variable TEST_BUS chooses it: "dbus-daemon" or "dbus-broker", with the limits of a
-/// system bus, or, without it, a dbus-daemon that has the limits of a session's. Where there can be
-/// no dbus-broker, the whole test is skipped.
+/// The environment variable TEST_BUS chooses it: "dbus-daemon" or "dbus-broker", with the limits of
+/// a system bus, or, without it, a dbus-daemon that has the limits of a session's. Where there can
+/// be no dbus-broker, the whole test is skipped.
 ///
 /// Make it before anything asks for QDBusConnection::systemBus(), which Qt connects only once.
 class PrivateBus
