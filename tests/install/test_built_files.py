@@ -11,12 +11,14 @@ import unittest
 from project import BUILD, install, run
 
 COMPILER_ID = os.environ["COMPILER_ID"]
-COMPILER = {"libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6", "ld-linux-armhf.so.3"}
+COMPILER = {"libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6", "ld-linux-armhf.so.3",
+            "ld-linux-x86-64.so.2"}
 NEEDED = {
     "lib/libconfigurationmanager.so": {"libQt5Core.so.5", "libQt5DBus.so.5", "libtavelorn.so.1"},
     "lib/libtavelorn.so": {"libQt5Core.so.5", "libQt5DBus.so.5"},
     "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5", "libconfigurationmanager.so.1"},
-    "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5"},
+    "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5",
+                               "libjsoncpp.so.25"},
 }
 
 
