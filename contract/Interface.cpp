@@ -157,8 +157,8 @@ QString Method::signature() const
 
 int Method::indexOf(Role role) const
 {
-    const auto found = std::find_if(arguments.cbegin(), arguments.cend(),
-                                    [&](const Argument &a) { return a.role == role; });
+    const auto *const found = std::find_if(arguments.cbegin(), arguments.cend(),
+                                           [&](const Argument &a) { return a.role == role; });
     return found == arguments.cend() ? -1 : int(found - arguments.cbegin());
 }
 

@@ -68,12 +68,12 @@ QDBusMessage ConfigurationManagerPrivate::send(Operation operation,
 {
     QVariantList values;
     values.reserve(int(arguments.size()) + 1);
-    const auto flag = arguments.end() - operation.has(EndsInFlag);
-    for (auto argument = arguments.begin(); argument != flag; ++argument)
+    const auto *const flag = arguments.end() - operation.has(EndsInFlag);
+    for (const auto *argument = arguments.begin(); argument != flag; ++argument)
         values.append(variantOf(*argument));
     if (operation.has(SendsCollectionId))
         values.append(collectionId);
-    for (auto argument = flag; argument != arguments.end(); ++argument)
+    for (const auto *argument = flag; argument != arguments.end(); ++argument)
         values.append(variantOf(*argument));
     if (isLong(collectionId) || std::any_of(arguments.begin(), arguments.end(), isInQuestion)) {
         const QString problem = marshallingProblem(values);

@@ -89,6 +89,8 @@ void *allocate(size_t size)
 
 } // namespace
 
+// The names of the parameters are the C library's own affair.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" void *malloc(size_t size)
 {
     return allocate(size);
@@ -109,6 +111,7 @@ extern "C" void *realloc(void *old, size_t size)
                std::min(size, *reinterpret_cast<size_t *>(static_cast<char *>(old) - alignment)));
     return block;
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 int main(int argc, char *argv[])
 {
@@ -150,7 +153,7 @@ int main(int argc, char *argv[])
          {true, [&] { manager.processSequence(many); },
           [&] { QDBusReply<bool>(byHand(QStringLiteral("processSequence"), {many})).value(); }}},
     };
-    const auto pair = pairs.find(application.arguments().value(1));
+    const auto pair = pairs.find(QCoreApplication::arguments().value(1));
     if (pair == pairs.end())
         qFatal("usage: %s getter|setter|'map of 4'|'map of 104'", argv[0]);
     service.setAnswer(pair->second.answer.isValid() ? Answer::value(pair->second.answer)
