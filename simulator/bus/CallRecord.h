@@ -26,7 +26,7 @@ class CallRecord
 public:
     explicit CallRecord(const contract::Interface &interface);
 
-    void add(const QString &method, const QVariantList &arguments, const QString &outcome);
+    void add(const QString &name, const QVariantList &arguments, const QString &outcome);
     void clear() { m_calls.clear(); }
 
     /// The oldest first; of one method, or of all if the name is empty.

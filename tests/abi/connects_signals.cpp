@@ -11,9 +11,9 @@ using libconfigurationmanager::detail::ConfigurationManager;
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     const ConfigurationManager manager;
-    const auto quit = [&application] { application.quit(); };
+    const auto quit = [] { QCoreApplication::quit(); };
     const bool isConnected =
         QObject::connect(&manager, &ConfigurationManager::connected, &application, quit) &&
         QObject::connect(&manager, &ConfigurationManager::disconnected, &application, quit);
