@@ -123,6 +123,11 @@ def in_namespace(lines):
     yield "} // namespace libconfigurationmanager"
 
 
+def moc_output(file):
+    """Included, so that it is compiled with the options of the generated file."""
+    return f'#include "{file}" // NOLINT(bugprone-suspicious-include)'
+
+
 def forwarding(table):
     yield "// One line an operation:"
     yield "// clang-format off"
@@ -133,7 +138,7 @@ def forwarding(table):
     yield ""
     yield from in_namespace(forwarding_definitions(table))
     yield ""
-    yield '#include "libconfigurationmanager/moc_ConfigurationManager.cpp"'
+    yield moc_output("libconfigurationmanager/moc_ConfigurationManager.cpp")
 
 
 def forwarding_definitions(table):
@@ -152,7 +157,7 @@ def remote_calls(table):
     yield ""
     yield from in_namespace(remote_call_definitions(table))
     yield ""
-    yield '#include "moc_ConfigurationManager_p.cpp"'
+    yield moc_output("moc_ConfigurationManager_p.cpp")
 
 
 def remote_call_definitions(table):

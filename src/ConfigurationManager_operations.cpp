@@ -532,4 +532,4 @@ bool ConfigurationManager::clearLog() const { return d->clearLog(); }
 } // namespace detail
 } // namespace libconfigurationmanager
 
-#include "libconfigurationmanager/moc_ConfigurationManager.cpp"
+#include "libconfigurationmanager/moc_ConfigurationManager.cpp" // NOLINT(bugprone-suspicious-include)

@@ -597,4 +597,4 @@ bool ConfigurationManagerPrivate::clearLog() const { return call<bool>({Slot::cl
 } // namespace detail
 } // namespace libconfigurationmanager
 
-#include "moc_ConfigurationManager_p.cpp"
+#include "moc_ConfigurationManager_p.cpp" // NOLINT(bugprone-suspicious-include)
