@@ -53,7 +53,7 @@ void describe(Operation *operation, const contract::Method &method)
     operation->isQuery = !method.writes && !method.meaning.isEmpty();
     setEnumeration(&operation->result, method.resultEnumeration);
     // The library's parameters are sent in their order.
-    auto parameter = operation->parameters.begin();
+    auto *parameter = operation->parameters.begin();
     for (const contract::Argument &argument : method.arguments) {
         if (argument.role == contract::Role::CollectionId)
             continue;
