@@ -46,8 +46,9 @@ QString Operation::bareName() const
 
 const Parameter *Operation::parameterOf(contract::Role role) const
 {
-    const auto *const parameter = std::find_if(parameters.begin(), parameters.end(),
-                                        [&](const Parameter &each) { return each.role == role; });
+    const auto *const parameter =
+        std::find_if(parameters.begin(), parameters.end(),
+                     [&](const Parameter &each) { return each.role == role; });
     return parameter == parameters.end() ? nullptr : &*parameter;
 }
 
