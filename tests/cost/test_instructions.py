@@ -70,7 +70,7 @@ class Cost(unittest.TestCase):
     def test_allocations_of_a_call_beyond_the_same_call_by_hand(self):
         for what in (*MOST_INSTRUCTIONS, "map of 4", "map of 104"):
             with self.subTest(what):
-                by_library, by_hand = map(float, run(PROGRAM, what).split())
+                by_library, by_hand = map(int, run(PROGRAM, what).split())
                 self.assert_at_most(f"allocations of a {what}", by_library - by_hand,
                                     MOST_ALLOCATIONS)
 
