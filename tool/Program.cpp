@@ -72,6 +72,8 @@ int runProgram(const QVector<QByteArray> &arguments)
         return int(failure.status());
     }
     output = Output(line.output);
+    if (!line.busAddress.isEmpty())
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", line.busAddress.toUtf8());
     try {
         return int(flushed(run(line, commands, output), output));
     } catch (const Failure &failure) {

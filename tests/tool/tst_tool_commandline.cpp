@@ -120,9 +120,10 @@ private Q_SLOTS:
             QTest::newRow(given) << words(given) << QString::fromUtf8(message);
         };
         row("get --jsn", "there is no option '--jsn'; did you mean '--json'?");
-        row("get --frobnicate", "there is no option '--frobnicate'");
+        row("get --frobnicate",
+            "there is no option '--frobnicate'; a value that begins with a dash stands after '--'");
         row("get --colection=x", "there is no option '--colection'; did you mean '--collection'?");
-        row("get -Z", "there is no option '-Z'");
+        row("get -Z", "there is no option '-Z'; a value that begins with a dash stands after '--'");
         row("get A --json=x", "--json takes no value");
         row("get A --json=", "--json takes no value");
         row("get A --collection", "--collection needs a value: --collection ID");
@@ -168,10 +169,24 @@ private Q_SLOTS:
         QVERIFY(plain.output.color);
         QVERIFY(!plain.collection);
         const CommandLine other =
-            parseCommandLine(words("embosserctl get A --json --quiet --no-color"), commands());
+            parseCommandLine(words("embosserctl get A -j -q --no-color -c one"), commands());
+        QCOMPARE(other.collection, std::optional(QStringLiteral("one")));
         QVERIFY(other.output.json);
         QVERIFY(other.output.quiet);
         QVERIFY(!other.output.color);
+    }
+
+    void makesTheAddressOfAnotherMachine()
+    {
+        const CommandLine line =
+            parseCommandLine(words("embosserctl status -H user@machine~1"), commands());
+        QCOMPARE(line.busAddress,
+                 QStringLiteral("unixexec:path=ssh,argv1=-xT,argv2=--,argv3=user%40machine%7E1,"
+                                "argv4=systemd-stdio-bridge"));
+        QCOMPARE(refusal(words("status -H -oProxyCommand=x")),
+                 QStringLiteral("'-oProxyCommand=x' is not the name of a machine"));
+        QCOMPARE(refusal(words("status -H a --address b")),
+                 QStringLiteral("--address and --host exclude each other"));
     }
 
     void runsNothingWhenHelpIsAskedFor()

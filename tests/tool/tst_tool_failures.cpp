@@ -160,7 +160,7 @@ private Q_SLOTS:
 
     void saysInJsonWhatIsInvalid()
     {
-        for (const char *command : {"get TabSizes --json", "set TabSize x --json",
+        for (const char *command : {"get TabSizes --json", "set AlignLow x --json",
                                     "call getTabsize --json", "restore missing.json --json"}) {
             const Outcome outcome = run(QString::fromLatin1(command));
             QCOMPARE(outcome.status, 2);

@@ -14,6 +14,7 @@ namespace {
 const QByteArray escape = "\x1b";
 const QByteArray controlC = "\x03";
 const QByteArray controlD = "\x04";
+const QByteArray controlZ = "\x1a";
 
 } // namespace
 
@@ -93,6 +94,19 @@ private Q_SLOTS:
         QCOMPARE(terminal.exitCode(), 2);
         QVERIFY(terminal.echoes());
         QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void takesControlZForNeitherASecretNorAnOrderToStop()
+    {
+        Terminal terminal({QStringLiteral("set"), QStringLiteral("Passphrase")});
+        QVERIFY(terminal.shows("Passphrase: "));
+        QTRY_VERIFY(!terminal.echoes());
+        terminal.type("two" + controlZ + " words\n");
+        terminal.shownAtEnd();
+        QCOMPARE(terminal.exitCode(), 0);
+        const QVector<RecordedCall> calls = m_service.takeCalls();
+        QCOMPARE(calls.size(), 1);
+        QCOMPARE(calls[0].arguments[0].toString(), QStringLiteral("two words"));
     }
 
     void doesNotAskForThePassphraseInVain()

@@ -33,6 +33,8 @@ private Q_SLOTS:
         row("AlignLaw", "; did you mean 'AlignLow'?");  // replaced
         row("alignlow", "; did you mean 'AlignLow'?");  // another case
         row("AlignLot", "; did you mean 'AlignLow'?");  // the nearest, not those further away
+        row("Tba1", "; did you mean 'Tab1'?");          // a swap is one slip, not two
+        row("AlignXYZ", ""); // as far from all as three of eight characters
         row("Speed", "; did you mean 'DraftSpeed' or 'PrintSpeed'?"); // a part of them
         row("x", "");
         row("Quite another", "");

@@ -66,6 +66,8 @@ private Q_SLOTS:
         row("double", "", "1e3", 1000.0);
         row("bool", "", "true", true);
         row("bool", "", "0", false);
+        row("bool", "", "yes", true);
+        row("bool", "", "off", false);
         row("QString", "", "", QString::fromLatin1(""));
         row("QString", "", "-3", QStringLiteral("-3"));
         row("QString", "", "\ue000hello", QStringLiteral("\ue000hello"));

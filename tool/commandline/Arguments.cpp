@@ -24,8 +24,9 @@ bool isOption(const QString &argument)
     QStringList names;
     for (const Option &each : known)
         names.append(QStringLiteral("--") + each.name);
-    const QString hint =
-        option.startsWith(QLatin1String("--")) ? didYouMean(option, names) : QString();
+    QString hint = option.startsWith(QLatin1String("--")) ? didYouMean(option, names) : QString();
+    if (hint.isEmpty())
+        hint = QStringLiteral("; a value that begins with a dash stands after '--'");
     throw Failure(ExitStatus::Usage, QStringLiteral("there is no option '%1'%2").arg(option, hint));
 }
 

@@ -17,7 +17,9 @@ QString synopsis(const Command &command)
 
 QString typed(const Option &option)
 {
-    const QString name = QStringLiteral("--") + option.name;
+    QString name = QStringLiteral("--") + option.name;
+    if (!option.shortName.isNull())
+        name.prepend(QStringLiteral("-%1, ").arg(option.shortName));
     return option.valueName.isEmpty() ? name : QStringLiteral("%1 %2").arg(name, option.valueName);
 }
 

@@ -6,6 +6,8 @@
 #include "common/Failure.h"
 #include "common/Suggestion.h"
 
+#include <QtCore/QUrl>
+
 namespace tool {
 
 namespace {
@@ -14,6 +16,8 @@ const QString collectionOption = QStringLiteral("collection");
 const QString jsonOption = QStringLiteral("json");
 const QString quietOption = QStringLiteral("quiet");
 const QString noColorOption = QStringLiteral("no-color");
+const QString addressOption = QStringLiteral("address");
+const QString hostOption = QStringLiteral("host");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
 const QString generateOption = QStringLiteral("generate");
@@ -63,6 +67,19 @@ void checkArguments(const QStringList &given, const Command &command)
         throwUsage(QStringLiteral("an argument is empty; usage: %1").arg(synopsis(command)));
 }
 
+/// The address of the system bus of another machine, by way of ssh, as D-Bus writes one.
+QString addressOfHost(const QString &host)
+{
+    // It would be an option of ssh.
+    if (host.isEmpty() || host.startsWith(QLatin1Char('-')))
+        throwUsage(QStringLiteral("'%1' is not the name of a machine").arg(host));
+    const QString escaped =
+        QString::fromLatin1(QUrl::toPercentEncoding(host, QByteArray(), QByteArrayLiteral("~")));
+    return QStringLiteral("unixexec:path=ssh,argv1=-xT,argv2=--,argv3=%1,"
+                          "argv4=systemd-stdio-bridge")
+        .arg(escaped);
+}
+
 /// What the build needs, and no user.
 const QVector<Option> &hiddenOptions()
 {
@@ -76,9 +93,15 @@ const QVector<Option> &commonOptions()
 {
     static const QVector<Option> options{
         {collectionOption, QStringLiteral("ID"),
-         QStringLiteral("work on this collection instead of masterCollectionKey")},
-        {jsonOption, {}, QStringLiteral("print the result as JSON")},
-        {quietOption, {}, QStringLiteral("print only results and errors")},
+         QStringLiteral("work on this collection instead of masterCollectionKey"), false,
+         QLatin1Char('c')},
+        {jsonOption, {}, QStringLiteral("print the result as JSON"), false, QLatin1Char('j')},
+        {quietOption, {}, QStringLiteral("print only results and errors"), false, QLatin1Char('q')},
+        {addressOption, QStringLiteral("ADDRESS"),
+         QStringLiteral("use the bus at this address as the system bus")},
+        {hostOption, QStringLiteral("HOST"),
+         QStringLiteral("use the system bus of another machine by ssh: user@machine"), false,
+         QLatin1Char('H')},
         {noColorOption, {}, QStringLiteral("do not colour the output")},
         {helpOption,
          {},
@@ -111,6 +134,12 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
     line.output.color = !given.options.contains(noColorOption);
     if (given.options.contains(collectionOption))
         line.collection = given.options.value(collectionOption).last();
+    if (given.options.contains(addressOption) && given.options.contains(hostOption))
+        throwUsage(QStringLiteral("--address and --host exclude each other"));
+    if (given.options.contains(addressOption))
+        line.busAddress = given.options.value(addressOption).last();
+    if (given.options.contains(hostOption))
+        line.busAddress = addressOfHost(given.options.value(hostOption).last());
     line.options = given.options;
     line.arguments = given.positional;
 

@@ -33,6 +33,8 @@ struct CommandLine
     QStringList arguments;
     QHash<QString, QStringList> options;
     std::optional<QString> collection;
+    /// Empty for the system bus as the environment has it.
+    QString busAddress;
     OutputOptions output;
 };
 

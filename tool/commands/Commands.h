@@ -14,6 +14,7 @@ Command listCommand();
 Command describeCommand();
 Command getCommand();
 Command setCommand();
+Command settingsCommand();
 Command callCommand();
 Command valuesCommand();
 Command paperCommand();
@@ -26,9 +27,9 @@ Command monitorCommand();
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(), listCommand(),    describeCommand(), getCommand(),    setCommand(),
-            callCommand(),   valuesCommand(),  paperCommand(),    reportCommand(), dumpCommand(),
-            diffCommand(),   restoreCommand(), monitorCommand()};
+    return {statusCommand(),   listCommand(), describeCommand(), getCommand(),    setCommand(),
+            settingsCommand(), callCommand(), valuesCommand(),   paperCommand(),  reportCommand(),
+            dumpCommand(),     diffCommand(), restoreCommand(),  monitorCommand()};
 }
 
 } // namespace tool

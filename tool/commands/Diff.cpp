@@ -15,6 +15,7 @@ namespace tool {
 
 namespace {
 
+const QString exitCodeOption = QStringLiteral("exit-code");
 const QString live = QStringLiteral("live");
 const QString collectionPrefix = QStringLiteral("collection:");
 
@@ -82,7 +83,9 @@ ExitStatus runDiff(const Request &request)
     } else {
         request.output.table(rows, QStringList{QStringLiteral("Setting")} + sources);
     }
-    return first.status == ExitStatus::Done ? second.status : first.status;
+    const ExitStatus status = first.status == ExitStatus::Done ? second.status : first.status;
+    const bool isDifference = request.hasOption(exitCodeOption) && !rows.isEmpty();
+    return status == ExitStatus::Done && isDifference ? ExitStatus::Failed : status;
 }
 
 } // namespace
@@ -95,6 +98,8 @@ Command diffCommand()
     command.minArguments = 1;
     command.maxArguments = 2;
     command.completion = Completion::FileOrLive;
+    command.options = {
+        {exitCodeOption, {}, QStringLiteral("exit with status 1 if there are differences")}};
     command.summary = QStringLiteral("compare two configurations");
     command.description = QStringList{
         QStringLiteral("Shows the settings whose values differ. FIRST and SECOND are each a file "
@@ -102,7 +107,7 @@ Command diffCommand()
                        "for a collection of the service, or 'live' for the collection in use, "
                        "which is the default for SECOND. A file named live is given as './live'."),
         QStringLiteral("Secret settings are not compared. The exit status does not depend on "
-                       "whether there are differences."),
+                       "whether there are differences, unless --exit-code is given."),
     };
     command.run = runDiff;
     return command;

@@ -29,8 +29,9 @@ Command dumpCommand()
                        "and restore can read. Secret settings (Passphrase) are left out; their "
                        "names are listed. A setting that the service does not report is left out "
                        "as well, and the exit status is 1."),
-        QStringLiteral("Settings that identify the device (SerialNo, MacAddress) are included: see "
-                       "the option --except of restore."),
+        QStringLiteral("The type and the model of the embosser and the version of this program are "
+                       "recorded. Settings that identify the device (SerialNo, MacAddress) are "
+                       "included; restore leaves them out unless it is told otherwise."),
     };
     command.run = runDump;
     return command;

@@ -14,11 +14,30 @@ namespace tool {
 
 namespace {
 
+/// The setting of that name, or those that match it, but for secrets, which are shown only to
+/// whoever asks for them.
+QVector<const Setting *> settingsMeant(const QString &name, const Catalogue &catalogue)
+{
+    if (!isWildcard(name))
+        return {&readableSetting(catalogue, name)};
+    QVector<const Setting *> settings;
+    for (const Setting *setting : settingsLike(catalogue, name)) {
+        if (!setting->isSecret)
+            settings.append(setting);
+    }
+    if (settings.isEmpty()) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("no readable setting matches '%1'").arg(name));
+    }
+    return settings;
+}
+
 ExitStatus runGet(const Request &request)
 {
     QVector<const Setting *> settings;
     for (const QString &name : request.arguments)
-        settings.append(&readableSetting(request.catalogue, name));
+        settings += settingsMeant(name, request.catalogue);
+    const bool isOneNamed = request.arguments.size() == 1 && !isWildcard(request.arguments[0]);
 
     Session session(request.collection);
     session.requireConnection();
@@ -43,7 +62,7 @@ ExitStatus runGet(const Request &request)
         values.insert(QStringLiteral("errors"), errors);
     if (request.output.isJson())
         request.output.json(values);
-    else if (request.arguments.size() > 1)
+    else if (!isOneNamed)
         request.output.table(rows);
     else if (!rows.isEmpty())
         request.output.line(rows[0][1]);
@@ -65,7 +84,9 @@ Command getCommand()
         QStringLiteral(
             "Shows the value of each setting. NAME is the name of an operation without its 'get': "
             "PrintSpeed stands for getPrintSpeed(). The value of a single setting is shown by "
-            "itself, those of several settings next to their names."),
+            "itself, those of several settings next to their names. A NAME with the wildcards * or "
+            "? "
+            "stands for all settings that it matches, but for secret ones."),
     };
     command.run = runGet;
     return command;

@@ -4,10 +4,10 @@
 
 #include "library/Catalogue.h"
 #include "library/Description.h"
+#include "library/Lookup.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
-#include <QtCore/QRegularExpression>
 
 namespace tool {
 
@@ -16,11 +16,8 @@ namespace {
 /// Whether the operation is one of those that the user looks for.
 bool matches(const Operation &operation, const QString &pattern)
 {
-    if (pattern.contains(QLatin1Char('*')) || pattern.contains(QLatin1Char('?'))) {
-        const QRegularExpression wildcard(QRegularExpression::wildcardToRegularExpression(pattern),
-                                          QRegularExpression::CaseInsensitiveOption);
-        return wildcard.match(operation.name).hasMatch();
-    }
+    if (isWildcard(pattern))
+        return matchesWildcard(operation.name, pattern);
     return operation.name.contains(pattern, Qt::CaseInsensitive) ||
            operation.meaning.contains(pattern, Qt::CaseInsensitive) ||
            operation.family.contains(pattern, Qt::CaseInsensitive);

@@ -6,6 +6,7 @@
 #include "configuration/Restoration.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
+#include "library/Value.h"
 #include "terminal/DeferredSignals.h"
 #include "terminal/Output.h"
 
@@ -20,6 +21,9 @@ namespace tool {
 namespace {
 
 const QString exceptOption = QStringLiteral("except");
+const QString dryRunOption = QStringLiteral("dry-run");
+const QString forceOption = QStringLiteral("force");
+const QString identityOption = QStringLiteral("with-identity");
 
 QStringList namesIn(const Outcomes &outcomes, Outcome::State state)
 {
@@ -63,7 +67,7 @@ bool isNothingTried(const Outcomes &outcomes)
     return namesIn(outcomes, Outcome::NotTried).size() == outcomes.size();
 }
 
-ExitStatus printOutcomes(Output &output, const Outcomes &outcomes,
+ExitStatus printOutcomes(Output &output, const Outcomes &outcomes, const QStringList &leftOut,
                          const std::optional<Failure> &end = {})
 {
     const QStringList applied = namesIn(outcomes, Outcome::Applied);
@@ -79,7 +83,8 @@ ExitStatus printOutcomes(Output &output, const Outcomes &outcomes,
         QJsonObject document{{QStringLiteral("applied"), QJsonArray::fromStringList(applied)},
                              {QStringLiteral("unchanged"), unchanged},
                              {QStringLiteral("unverified"), unverified},
-                             {QStringLiteral("notApplied"), notApplied}};
+                             {QStringLiteral("notApplied"), notApplied},
+                             {QStringLiteral("leftOut"), QJsonArray::fromStringList(leftOut)}};
         if (end)
             document.insert(QStringLiteral("error"), errorToJson(end->status(), end->message()));
         output.json(document);
@@ -93,6 +98,68 @@ ExitStatus printOutcomes(Output &output, const Outcomes &outcomes,
     return unverified.isEmpty() && notApplied.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
+/// Leaves out what makes one device of another.
+QStringList withoutIdentity(Configuration *configuration, const Catalogue &catalogue)
+{
+    QStringList leftOut;
+    for (const Setting &setting : catalogue.settings()) {
+        if (setting.isIdentity && configuration->values.contains(setting.name))
+            leftOut.append(setting.name);
+    }
+    for (const QString &name : qAsConst(leftOut))
+        configuration->values.remove(name);
+    return leftOut;
+}
+
+/// What suits one type may harm another. A file of an older program does not tell its type.
+void requireSameType(const Configuration &configuration, const Request &request, Session *session)
+{
+    if (configuration.type.isEmpty() || request.hasOption(forceOption))
+        return;
+    const Operation &getter = *typeSetting(request.catalogue).getter;
+    const Reply reply = session->call(getter);
+    if (reply.error)
+        throw Failure(ExitStatus::Failed, about(getter.name, *reply.error));
+    const QString type = toText(toJson(reply.value, getter.result));
+    if (type != configuration.type) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("the configuration is of the type %1, this embosser is of the "
+                                     "type %2; --force restores it nevertheless")
+                          .arg(configuration.type, type));
+    }
+}
+
+ExitStatus printDifferences(Restoration *restoration, const Configuration &configuration,
+                            const Request &request)
+{
+    const auto differences = restoration->differences(configuration, request.catalogue);
+    QJsonObject wouldApply;
+    QVector<QStringList> rows;
+    Outcomes others = restoration->outcomes();
+    for (auto entry = differences.begin(); entry != differences.end(); ++entry) {
+        others.remove(entry.key());
+        const auto &[held, wanted] = *entry;
+        wouldApply.insert(entry.key(), QJsonObject{{QStringLiteral("held"), held},
+                                                   {QStringLiteral("file"), wanted}});
+        rows.append({entry.key(), held.isUndefined() ? QStringLiteral("(unknown)") : toText(held),
+                     toText(wanted)});
+    }
+    const QJsonObject notApplied =
+        reported(request.output, QStringLiteral("not applied"), others, Outcome::NotApplied);
+    if (request.output.isJson()) {
+        request.output.json(
+            QJsonObject{{QStringLiteral("wouldApply"), wouldApply},
+                        {QStringLiteral("unchanged"), namesIn(others, Outcome::Unchanged).size()},
+                        {QStringLiteral("notApplied"), notApplied}});
+    } else if (rows.isEmpty()) {
+        request.output.note(QStringLiteral("no difference"));
+    } else {
+        request.output.table(rows, {QStringLiteral("Setting"), QStringLiteral("now"),
+                                    QStringLiteral("in the file")});
+    }
+    return notApplied.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
+}
+
 ExitStatus runRestore(const Request &request)
 {
     const QStringList exceptions = request.options.value(exceptOption);
@@ -103,18 +170,29 @@ ExitStatus runRestore(const Request &request)
         configuration.values.remove(name);
         configuration.ignoredSecrets.removeAll(name);
     }
+    const QStringList leftOut = request.hasOption(identityOption)
+                                    ? QStringList()
+                                    : withoutIdentity(&configuration, request.catalogue);
     Session session(request.collection);
     session.requireConnection();
+    requireSameType(configuration, request, &session);
+    if (!leftOut.isEmpty()) {
+        request.output.note(QStringLiteral("left out: identity and history (%1 settings); "
+                                           "--with-identity restores them as well")
+                                .arg(leftOut.size()));
+    }
     const DeferredSignals untilResultIsTold({SIGINT, SIGTERM});
     Restoration restoration(session, request.output.showsProgress());
+    if (request.hasOption(dryRunOption))
+        return printDifferences(&restoration, configuration, request);
     try {
         restoration.apply(configuration, request.catalogue);
     } catch (const Failure &failure) {
         if (!isNothingTried(restoration.outcomes()))
-            printOutcomes(request.output, restoration.outcomes(), failure);
+            printOutcomes(request.output, restoration.outcomes(), leftOut, failure);
         throw;
     }
-    return printOutcomes(request.output, restoration.outcomes());
+    return printOutcomes(request.output, restoration.outcomes(), leftOut);
 }
 
 } // namespace
@@ -127,8 +205,12 @@ Command restoreCommand()
     command.minArguments = 1;
     command.maxArguments = 1;
     command.completion = Completion::File;
-    command.options = {{exceptOption, QStringLiteral("NAME"),
-                        QStringLiteral("leave this setting unchanged"), true}};
+    command.options = {
+        {exceptOption, QStringLiteral("NAME"), QStringLiteral("leave this setting unchanged"),
+         true},
+        {dryRunOption, {}, QStringLiteral("only show what would be written")},
+        {forceOption, {}, QStringLiteral("also for an embosser of another type")},
+        {identityOption, {}, QStringLiteral("also restore what tells one device from another")}};
     command.summary = QStringLiteral("write a configuration back");
     command.description = QStringList{
         QStringLiteral(
@@ -139,9 +221,10 @@ Command restoreCommand()
             "answered the current call; what has been done by then is reported."),
         QStringLiteral("Secret settings are left unchanged; if the file contains one, it is "
                        "reported as not applied."),
-        QStringLiteral("A file also contains settings that belong to the identity or the history "
-                       "of its device, such as SerialNo, Model, MacAddress, WlanMacAddress and "
-                       "Counter. For another device, exclude each of them with --except."),
+        QStringLiteral("Settings that belong to the identity or the history of a device, such as "
+                       "SerialNo, Model, MacAddress and Counter, are left out: with them, another "
+                       "device would become a copy. --with-identity restores them as well. A "
+                       "configuration of another type of embosser is refused."),
     };
     command.run = runRestore;
     return command;

@@ -2,12 +2,15 @@
 
 #include "commands/Commands.h"
 
+#include "common/Suggestion.h"
+#include "library/Choices.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
 #include "library/Value.h"
 #include "terminal/Output.h"
 #include "terminal/SecretPrompt.h"
 
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
 namespace tool {
@@ -16,25 +19,99 @@ namespace {
 
 const QString flagOption = QStringLiteral("flag");
 
+/// The value that a text stands for, which may also be a key of the service's value list.
+QVariant valueFromText(const QString &text, const Setting &setting, const Catalogue &catalogue,
+                       Session *session)
+{
+    try {
+        return argumentFromText(text, setting.valueType());
+    } catch (const Failure &) {
+        const QMap<QString, int> values = choicesOf(setting, catalogue, session).values;
+        if (values.isEmpty() || setting.valueType().enumeration.isValid())
+            throw;
+        const auto value = values.find(text);
+        if (value != values.end())
+            return *value;
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("'%1' is neither a 32-bit integer nor a key of the value list "
+                                     "%2%3")
+                          .arg(text, setting.name, didYouMean(text, values.keys())));
+    }
+}
+
+/// Throws a Failure for a text that is not the value of the setting, unless the service may know
+/// it.
+void checkText(const QString &text, const Setting &setting, const Catalogue &catalogue)
+{
+    const Operation &lists = operationFor(catalogue, QStringLiteral("getValueList"), 1);
+    if (!lists.parameters[0].type.enumeration.value(setting.name))
+        argumentFromText(text, setting.valueType());
+}
+
+/// "NAME=VALUE NAME=VALUE ...", in one call: all or none.
+ExitStatus setTogether(const Request &request)
+{
+    QVector<QPair<const Setting *, QString>> given;
+    for (const QString &argument : request.arguments) {
+        const int equals = argument.indexOf(QLatin1Char('='));
+        const Setting &setting = writableSetting(request.catalogue, argument.left(equals));
+        if (equals < 0) {
+            throw Failure(ExitStatus::Usage,
+                          QStringLiteral("%1: no value given; write %1=VALUE").arg(setting.name));
+        }
+        given.append({&setting, argument.mid(equals + 1)});
+        checkText(given.last().second, setting, request.catalogue);
+    }
+    Session session(request.collection);
+    session.requireConnection();
+    QVariantMap sequence;
+    for (const auto &[setting, text] : qAsConst(given)) {
+        if (sequence.contains(setting->name))
+            throw Failure(ExitStatus::Usage,
+                          QStringLiteral("%1 is given twice").arg(setting->name));
+        sequence.insert(setting->name, valueFromText(text, *setting, request.catalogue, &session));
+    }
+    const Operation &operation =
+        operationFor(request.catalogue, QStringLiteral("processSequence"), 1);
+    const Reply reply = session.call(operation, {sequence});
+    if (reply.error)
+        throw Failure(ExitStatus::Failed, *reply.error);
+    if (!reply.value.toBool())
+        throw Failure(ExitStatus::Failed, QStringLiteral("the service refused"));
+    if (request.output.isJson()) {
+        request.output.json(
+            QJsonObject{{QStringLiteral("settings"), QJsonArray::fromStringList(sequence.keys())}});
+    }
+    return ExitStatus::Done;
+}
+
 ExitStatus runSet(const Request &request)
 {
-    const Setting &setting = writableSetting(request.catalogue, request.arguments[0]);
     const bool flag = request.hasOption(flagOption);
+    if (request.arguments[0].contains(QLatin1Char('='))) {
+        if (flag)
+            throw Failure(ExitStatus::Usage, QStringLiteral("a sequence takes no flag"));
+        return setTogether(request);
+    }
+    if (request.arguments.size() > 2) {
+        throw Failure(
+            ExitStatus::Usage,
+            QStringLiteral("too many arguments; several settings are written NAME=VALUE"));
+    }
+    const Setting &setting = writableSetting(request.catalogue, request.arguments[0]);
     if (flag && !setting.takesFlag())
         throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no flag").arg(setting.name));
-    const ValueType &type = setting.valueType();
-    QVariant value;
-    if (request.arguments.size() == 2) {
-        value = argumentFromText(request.arguments[1], type);
-    } else if (!setting.isSecret) {
+    const bool isGiven = request.arguments.size() == 2;
+    if (isGiven)
+        checkText(request.arguments[1], setting, request.catalogue);
+    else if (!setting.isSecret)
         throw Failure(ExitStatus::Usage, QStringLiteral("%1: no value given").arg(setting.name));
-    }
 
     Session session(request.collection);
     session.requireConnection();
     // Nobody is asked for a secret that could not be written.
-    if (!value.isValid())
-        value = argumentFromText(readSecret(setting.name), type);
+    const QString text = isGiven ? request.arguments[1] : readSecret(setting.name);
+    const QVariant value = valueFromText(text, setting, request.catalogue, &session);
     const Reply reply =
         session.call(*setting.setter, flag ? QVariantList{value, true} : QVariantList{value});
     if (reply.error) {
@@ -55,14 +132,21 @@ Command setCommand()
     command.name = QStringLiteral("set");
     command.arguments = QStringLiteral("NAME [VALUE]");
     command.minArguments = 1;
-    command.maxArguments = 2;
+    command.maxArguments = Command::AnyNumber;
     command.completion = Completion::WritableSetting;
     command.namesFirstOnly = true;
-    command.options = {{flagOption, {}, QStringLiteral("set the service's own flag to true")}};
+    command.options = {{flagOption,
+                        {},
+                        QStringLiteral("also keep the value for the user's saved settings, "
+                                       "if the service has it so")}};
     command.summary = QStringLiteral("write a setting");
     command.description = QStringList{
         QStringLiteral("Writes a setting. NAME is the name of an operation without its 'set'. The "
-                       "service decides whether it accepts the value."),
+                       "service decides whether it accepts the value. Where it has a value list of "
+                       "that name, a key of the list is accepted as well ('set HammerImpact "
+                       "Hard')."),
+        QStringLiteral("NAME=VALUE, once or several times, writes the settings in one call: all of "
+                       "them, or none if the service refuses one."),
         QStringLiteral("VALUE may be omitted only for a secret setting (Passphrase). It is then "
                        "prompted for without echo if standard input is a terminal, and otherwise "
                        "read from standard input, which must be a single line that is not empty. "

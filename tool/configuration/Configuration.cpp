@@ -5,6 +5,7 @@
 #include "common/Failure.h"
 #include "common/JsonText.h"
 #include "library/Catalogue.h"
+#include "library/Lookup.h"
 #include "library/Secret.h"
 #include "library/Session.h"
 #include "library/Value.h"
@@ -12,6 +13,7 @@
 #include "terminal/Output.h"
 #include "terminal/ProgressBar.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -26,6 +28,12 @@ namespace {
 
 const QString formatKey = QStringLiteral("format");
 const QString formatName = QStringLiteral("embosserctl configuration 1");
+const QString formatPrefix = QStringLiteral("embosserctl configuration ");
+const QString embosserKey = QStringLiteral("embosser");
+const QString typeKey = QStringLiteral("type");
+const QString modelKey = QStringLiteral("model");
+const QString toolKey = QStringLiteral("tool");
+const QString modelName = QStringLiteral("Model");
 const QString settingsKey = QStringLiteral("settings");
 const QString leftOutKey = QStringLiteral("leftOut");
 
@@ -50,6 +58,31 @@ QByteArray contents(const QString &name)
     return file.readAll();
 }
 
+/// What the bytes of a file written by dump say.
+QJsonObject documentIn(const QByteArray &bytes, const QString &name)
+{
+    if (bytes.trimmed().isEmpty())
+        throwBadFile(name, QStringLiteral("it is empty"));
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error != QJsonParseError::NoError) {
+        const QByteArray before = bytes.left(error.offset);
+        throwBadFile(name, QStringLiteral("it is not valid JSON, see line %1, column %2")
+                               .arg(before.count('\n') + 1)
+                               .arg(before.size() - before.lastIndexOf('\n')));
+    }
+    const QString format = document.object().value(formatKey).toString();
+    bool isNumbered = false;
+    const int number = format.mid(formatPrefix.size()).toInt(&isNumbered);
+    if (format.startsWith(formatPrefix) && isNumbered && number > 1)
+        throwBadFile(
+            name,
+            QStringLiteral("it is of a newer format (%1) than this program knows").arg(number));
+    if (format != formatName)
+        throwBadFile(name, QStringLiteral("this is not a file written by 'embosserctl dump'"));
+    return document.object();
+}
+
 /// The value in the form in which the service's own would be shown, if it can have that form.
 QJsonValue normalized(const QJsonValue &value, const Setting *setting)
 {
@@ -67,6 +100,11 @@ QJsonValue normalized(const QJsonValue &value, const Setting *setting)
 bool isStandardInput(const QString &name)
 {
     return name == QLatin1String("-");
+}
+
+const Setting &typeSetting(const Catalogue &catalogue)
+{
+    return readableSetting(catalogue, QStringLiteral("Type"));
 }
 
 QStringList secretSettings(const Catalogue &catalogue)
@@ -93,7 +131,8 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
         for (const Setting &setting : settings) {
             progress.step();
             DeferredSignals::throwIfCome();
-            if (!canBeRestored(setting) || setting.isSecret)
+            const bool isType = &setting == &typeSetting(catalogue);
+            if (!isType && (!canBeRestored(setting) || setting.isSecret))
                 continue;
             const Reply reply = session.call(*setting.getter);
             if (reply.error) {
@@ -103,7 +142,13 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
                     errorToJson(ExitStatus::Failed, reason(setting.name, *reply.error)));
                 continue;
             }
-            configuration.values.insert(setting.name, toJson(reply.value, setting.getter->result));
+            const QJsonValue value = toJson(reply.value, setting.getter->result);
+            if (isType)
+                configuration.type = toText(value);
+            else
+                configuration.values.insert(setting.name, value);
+            if (setting.name == modelName)
+                configuration.model = toText(value);
         }
     }
     for (const QString &failure : qAsConst(failures)) {
@@ -115,9 +160,12 @@ Configuration readConfiguration(const Catalogue &catalogue, const Output &output
 
 QJsonObject configurationToJson(const Configuration &configuration, const Catalogue &catalogue)
 {
-    QJsonObject document{{formatKey, formatName},
-                         {settingsKey, configuration.values},
-                         {leftOutKey, QJsonArray::fromStringList(secretSettings(catalogue))}};
+    QJsonObject document{
+        {formatKey, formatName},
+        {toolKey, QCoreApplication::applicationVersion()},
+        {embosserKey, QJsonObject{{typeKey, configuration.type}, {modelKey, configuration.model}}},
+        {settingsKey, configuration.values},
+        {leftOutKey, QJsonArray::fromStringList(secretSettings(catalogue))}};
     if (!configuration.errors.isEmpty())
         document.insert(QStringLiteral("errors"), configuration.errors);
     return document;
@@ -125,19 +173,15 @@ QJsonObject configurationToJson(const Configuration &configuration, const Catalo
 
 Configuration configurationFromFile(const QString &name, const Catalogue &catalogue)
 {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(contents(name), &error);
-    if (error.error != QJsonParseError::NoError) {
-        throwBadFile(name, QStringLiteral("%1 at byte %2")
-                               .arg(error.errorString(), QString::number(error.offset)));
-    }
-    if (document.object().value(formatKey) != formatName)
-        throwBadFile(name, QStringLiteral("this is not a file written by 'embosserctl dump'"));
-    if (!document.object().value(settingsKey).isObject())
+    const QJsonObject document = documentIn(contents(name), name);
+    const QJsonObject values = document.value(settingsKey).toObject();
+    if (values.isEmpty())
         throwBadFile(name, QStringLiteral("it contains no settings"));
 
     Configuration configuration;
-    const QJsonObject values = document.object().value(settingsKey).toObject();
+    const QJsonObject embosser = document.value(embosserKey).toObject();
+    configuration.type = embosser.value(typeKey).toString();
+    configuration.model = embosser.value(modelKey).toString();
     for (auto value = values.begin(); value != values.end(); ++value) {
         const QString setting = value.key();
         if (isSecret(setting)) {

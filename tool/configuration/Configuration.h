@@ -15,11 +15,15 @@ namespace tool {
 
 class Catalogue;
 class Output;
+struct Setting;
 
 /// The values of the settings that can be both read and written, but for the secret ones.
 struct Configuration
 {
     QJsonObject values;
+    /// The device's type and model; empty where a file or the service does not tell.
+    QString type;
+    QString model;
     /// The secret settings for which a file had values all the same.
     QStringList ignoredSecrets;
     /// What the service has refused to report, with its reasons.
@@ -37,6 +41,9 @@ QStringList secretSettings(const Catalogue &catalogue);
 
 /// Whether the name of a file stands for standard input.
 bool isStandardInput(const QString &name);
+
+/// The setting that tells the type of the device.
+const Setting &typeSetting(const Catalogue &catalogue);
 
 QJsonObject configurationToJson(const Configuration &configuration, const Catalogue &catalogue);
 

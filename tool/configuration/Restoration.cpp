@@ -13,6 +13,12 @@
 
 namespace tool {
 
+namespace {
+
+const int maxSuggestedFor = 20;
+
+} // namespace
+
 Restoration::Restoration(Session &session, bool showsProgress)
     : m_session(session), m_showsProgress(showsProgress)
 {
@@ -30,17 +36,34 @@ void Restoration::apply(const Configuration &configuration, const Catalogue &cat
     }
 }
 
+QMap<QString, QPair<QJsonValue, QJsonValue>>
+Restoration::differences(const Configuration &configuration, const Catalogue &catalogue)
+{
+    setTargets(configuration, catalogue);
+    QMap<QString, QPair<QJsonValue, QJsonValue>> differences;
+    for (const QString &name : notHeld())
+        differences.insert(name, {m_targets[name].held, m_targets[name].value});
+    return differences;
+}
+
 void Restoration::setTargets(const Configuration &configuration, const Catalogue &catalogue)
 {
     for (const QString &name : configuration.ignoredSecrets)
         setNotApplied(name, QStringLiteral("secrets are not restored"));
     const QJsonObject &values = configuration.values;
+    int unknown = 0;
     for (auto value = values.begin(); value != values.end(); ++value) {
+        // To look for what was meant takes its time, and nobody reads it so often.
+        if (!catalogue.setting(value.key()) && ++unknown > maxSuggestedFor) {
+            setNotApplied(value.key(),
+                          QStringLiteral("there is no writable setting '%1'").arg(value.key()));
+            continue;
+        }
         try {
             const Setting &setting = writableSetting(catalogue, value.key());
             readableSetting(catalogue, value.key());
             const QVariant argument = argumentFromJson(value.value(), setting.valueType());
-            m_targets.insert(value.key(), {&setting, argument, value.value(), false, {}});
+            m_targets.insert(value.key(), {&setting, argument, value.value(), {}, false, {}});
             m_outcomes.insert(value.key(), {Outcome::NotTried, QStringLiteral("not tried")});
         } catch (const Failure &failure) {
             setNotApplied(value.key(), failure.message());
@@ -53,10 +76,11 @@ void Restoration::setNotApplied(const QString &name, const QString &reason)
     m_outcomes.insert(name, {Outcome::NotApplied, reason});
 }
 
-Outcome Restoration::read(const Target &target)
+Outcome Restoration::read(Target &target)
 {
     const Reply reply = m_session.call(*target.setting->getter);
     const QJsonValue held = toJson(reply.value, target.setting->getter->result);
+    target.held = reply.error ? QJsonValue::Undefined : held;
     if (!reply.error && held == target.value)
         return {target.isTried ? Outcome::Applied : Outcome::Unchanged, {}};
     // It says more than what the service holds instead.
@@ -71,7 +95,7 @@ QStringList Restoration::notHeld()
 {
     ProgressBar progress(m_targets.size(), m_showsProgress);
     QStringList names;
-    for (auto target = m_targets.cbegin(); target != m_targets.cend(); ++target) {
+    for (auto target = m_targets.begin(); target != m_targets.end(); ++target) {
         progress.step();
         DeferredSignals::throwIfCome();
         const Outcome outcome = read(*target);

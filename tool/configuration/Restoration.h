@@ -46,6 +46,10 @@ public:
     /// that again, until it is what has been written before.
     void apply(const Configuration &configuration, const Catalogue &catalogue);
 
+    /// Tells what apply() would write, by name: what the service holds, and what it would hold.
+    QMap<QString, QPair<QJsonValue, QJsonValue>> differences(const Configuration &configuration,
+                                                             const Catalogue &catalogue);
+
     /// What has been seen, also when apply() has ended by an exception.
     const Outcomes &outcomes() const { return m_outcomes; }
 
@@ -56,6 +60,7 @@ private:
         const Setting *setting;
         QVariant argument;
         QJsonValue value;
+        QJsonValue held = {};
         bool isTried = false;
         /// Why the service has not taken it the last time.
         std::optional<QString> refusal;
@@ -64,7 +69,7 @@ private:
     void setTargets(const Configuration &configuration, const Catalogue &catalogue);
     void setNotApplied(const QString &name, const QString &reason);
     Reply writeTarget(const QString &name, const Target &target);
-    Outcome read(const Target &target);
+    Outcome read(Target &target);
     /// Reads all targets, since one setting may have changed another.
     QStringList notHeld();
     void write(const QStringList &names);

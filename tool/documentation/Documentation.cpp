@@ -4,7 +4,7 @@
 
 #include "common/Failure.h"
 #include "library/Catalogue.h"
-#include "library/Enumeration.h"
+#include "library/Lookup.h"
 
 namespace tool {
 
@@ -93,7 +93,9 @@ QStringList candidates(Completion completion, const Catalogue &catalogue)
     case Completion::WritableSetting:
         return catalogue.writableSettings();
     case Completion::ValueList:
-        return Enumeration(QStringLiteral("RowValueList")).keys();
+        return operationFor(catalogue, QStringLiteral("getValueList"), 1)
+            .parameters[0]
+            .type.enumeration.keys();
     case Completion::FileOrLive:
         return {QStringLiteral("live"), QStringLiteral("collection:")};
     }

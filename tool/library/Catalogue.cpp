@@ -124,19 +124,21 @@ void Catalogue::readContract()
 
 void Catalogue::pairSettings()
 {
-    QHash<QString, int> indexes;
     const auto settingOf = [&](const QString &name) -> Setting & {
-        if (!indexes.contains(name)) {
-            indexes.insert(name, m_settings.size());
+        if (!m_settingIndexes.contains(name)) {
+            m_settingIndexes.insert(name, m_settings.size());
             Setting setting;
             setting.name = name;
             const contract::Setting *known =
                 contract::Interface::configurationManager().setting(name);
-            setting.isSecret = known && known->isSecret();
-            setting.isIdentity = known && known->isIdentity();
+            if (known) {
+                setting.meaning = known->primary().meaning;
+                setting.isSecret = known->isSecret();
+                setting.isIdentity = known->isIdentity();
+            }
             m_settings.append(setting);
         }
-        return m_settings[indexes.value(name)];
+        return m_settings[m_settingIndexes.value(name)];
     };
     for (const Operation &operation : qAsConst(m_operations)) {
         if (readsSetting(operation))
@@ -171,11 +173,8 @@ QStringList Catalogue::operationNames() const
 
 const Setting *Catalogue::setting(const QString &name) const
 {
-    for (const Setting &setting : m_settings) {
-        if (setting.name == name)
-            return &setting;
-    }
-    return nullptr;
+    const auto index = m_settingIndexes.find(name);
+    return index == m_settingIndexes.end() ? nullptr : &m_settings[*index];
 }
 
 QStringList Catalogue::settingNames() const

@@ -5,6 +5,7 @@
 
 #include "library/Operation.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
@@ -17,6 +18,8 @@ struct Setting
     QString name;
     const Operation *getter = nullptr;
     const Operation *setter = nullptr;
+    /// A phrase, such as "the size of a tabulator".
+    QString meaning;
     /// Its value is shown only to whoever asks for it alone.
     bool isSecret = false;
     /// It tells one device from another, or what one has done so far.
@@ -56,6 +59,7 @@ private:
 
     QVector<Operation> m_operations;
     QVector<Setting> m_settings;
+    QHash<QString, int> m_settingIndexes;
 };
 
 } // namespace tool

@@ -5,6 +5,8 @@
 #include "common/Failure.h"
 #include "common/Suggestion.h"
 
+#include <QtCore/QRegularExpression>
+
 namespace tool {
 
 namespace {
@@ -49,6 +51,32 @@ const Setting &writableSetting(const Catalogue &catalogue, const QString &name)
     throw Failure(ExitStatus::Usage, QStringLiteral("there is no writable setting '%1'%2")
                                          .arg(name, hint(keyedOperations(catalogue, name, true),
                                                          name, catalogue.writableSettings())));
+}
+
+bool isWildcard(const QString &text)
+{
+    return text.contains(QLatin1Char('*')) || text.contains(QLatin1Char('?'));
+}
+
+bool matchesWildcard(const QString &name, const QString &wildcard)
+{
+    const QRegularExpression expression(QRegularExpression::wildcardToRegularExpression(wildcard),
+                                        QRegularExpression::CaseInsensitiveOption);
+    return expression.match(name).hasMatch();
+}
+
+QVector<const Setting *> settingsLike(const Catalogue &catalogue, const QString &pattern)
+{
+    QVector<const Setting *> found;
+    for (const Setting &setting : catalogue.settings()) {
+        const bool isMeant = isWildcard(pattern)
+                                 ? matchesWildcard(setting.name, pattern)
+                                 : setting.name.contains(pattern, Qt::CaseInsensitive) ||
+                                       setting.meaning.contains(pattern, Qt::CaseInsensitive);
+        if (setting.getter && isMeant)
+            found.append(&setting);
+    }
+    return found;
 }
 
 QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name)

@@ -16,6 +16,13 @@ namespace tool {
 const Setting &readableSetting(const Catalogue &catalogue, const QString &name);
 const Setting &writableSetting(const Catalogue &catalogue, const QString &name);
 
+/// Whether the text stands for several names.
+bool isWildcard(const QString &text);
+bool matchesWildcard(const QString &name, const QString &wildcard);
+
+/// The readable settings whose name matches a wildcard, or whose name or meaning contains a text.
+QVector<const Setting *> settingsLike(const Catalogue &catalogue, const QString &pattern);
+
 /// The operations of a name or a signature.
 QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name);
 

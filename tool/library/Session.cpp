@@ -25,6 +25,14 @@ namespace {
 const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
 const int pingMilliseconds = 5000;
 
+/// The address that Qt takes for the system bus.
+QString busAddress()
+{
+    const QString address = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+    return address.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
+                             : address;
+}
+
 /// What the meta-object calls the type. An enumeration has the size of an int, and needs no
 /// registration.
 int storageType(const ValueType &type)
@@ -110,7 +118,8 @@ void Session::requireBus() const
 {
     const QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.isConnected())
-        throwNotConnected(QStringLiteral("no system bus: %1").arg(bus.lastError().message()));
+        throwNotConnected(
+            QStringLiteral("no system bus: %1: %2").arg(busAddress(), bus.lastError().message()));
 }
 
 void Session::requireConnection() const

@@ -23,6 +23,22 @@ namespace tool {
 
 namespace {
 
+/// What a value of the type is called.
+QString nameOf(const ValueType &type)
+{
+    if (type.enumeration.isValid())
+        return QStringLiteral("a key of %1 or a 32-bit integer").arg(type.enumeration.name());
+    if (type.name == QLatin1String("int"))
+        return QStringLiteral("a 32-bit integer");
+    if (type.name == QLatin1String("double"))
+        return QStringLiteral("a number");
+    if (type.name == QLatin1String("bool"))
+        return QStringLiteral("true or false");
+    if (type.name == QLatin1String("QString"))
+        return QStringLiteral("a text");
+    return QStringLiteral("a value of type %1").arg(type.name);
+}
+
 [[noreturn]] void throwUnexpected(const QString &text, const QString &expected)
 {
     throw Failure(ExitStatus::Usage, QStringLiteral("'%1' is not %2").arg(text, expected));
@@ -57,9 +73,13 @@ double doubleFromText(const QString &text)
 
 bool boolFromText(const QString &text)
 {
-    if (text == QLatin1String("true") || text == QLatin1String("1"))
+    static const QStringList yes{QStringLiteral("true"), QStringLiteral("1"), QStringLiteral("yes"),
+                                 QStringLiteral("on")};
+    static const QStringList no{QStringLiteral("false"), QStringLiteral("0"), QStringLiteral("no"),
+                                QStringLiteral("off")};
+    if (yes.contains(text))
         return true;
-    if (text == QLatin1String("false") || text == QLatin1String("0"))
+    if (no.contains(text))
         return false;
     throwUnexpected(text, QStringLiteral("true or false"));
 }
@@ -238,7 +258,7 @@ QVariant argumentFromJson(const QJsonValue &value, const ValueType &type)
     if (value.isString() ? mayBeText : !isText && !value.isNull())
         return argumentFromText(toText(value), type);
     const QString text = value.isNull() ? QStringLiteral("null") : toText(value);
-    throwUnexpected(text, QStringLiteral("of type %1").arg(type.name));
+    throwUnexpected(text, nameOf(type));
 }
 
 QJsonValue toJson(const QVariant &value, const ValueType &type)

@@ -30,17 +30,24 @@ public:
         tcgetattr(m_terminal, &m_attributes);
         termios silent = m_attributes;
         silent.c_lflag &= ~tcflag_t(ECHO);
-        silent.c_cc[VSUSP] = _POSIX_VDISABLE;
+        // Ctrl-Z is neither part of the secret nor to take away what has been typed before it.
+        silent.c_lflag |= NOFLSH;
+        m_stop = std::signal(SIGTSTP, SIG_IGN);
         tcsetattr(m_terminal, TCSAFLUSH, &silent);
     }
 
-    ~EchoOff() { tcsetattr(m_terminal, TCSAFLUSH, &m_attributes); }
+    ~EchoOff()
+    {
+        tcsetattr(m_terminal, TCSAFLUSH, &m_attributes);
+        std::signal(SIGTSTP, m_stop);
+    }
     Q_DISABLE_COPY(EchoOff)
 
 private:
     const DeferredSignals m_signals;
     int m_terminal;
     termios m_attributes = {};
+    void (*m_stop)(int) = SIG_DFL;
 };
 
 /// Reads a line; nothing if there is none, as after Ctrl-D, or a signal has come.
