@@ -38,6 +38,15 @@ private Q_SLOTS:
         QVERIFY(!monitor.takeCalls(bus).contains(removal));
     }
 
+    void oneBelongsToItsParent()
+    {
+        auto parent = std::make_unique<QObject>();
+        const QPointer<ConfigurationManager> manager = new ConfigurationManager(parent.get());
+        QCOMPARE(manager->parent(), parent.get());
+        parent.reset();
+        QVERIFY(!manager);
+    }
+
     void twoHaveTheirOwnState()
     {
         m_service.start();

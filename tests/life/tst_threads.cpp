@@ -8,6 +8,7 @@
 #include <QtTest/QTest>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <future>
 
@@ -17,6 +18,8 @@ namespace {
 
 ConfigurationManager *callee = nullptr;
 QStringList handledTexts;
+std::future<QString> callOfAnother;
+bool hasAnotherWaited = false;
 
 /// Calls the service from within the log of the first error, while the call that failed is not
 /// over.
@@ -25,6 +28,14 @@ void callAgain(QtMsgType, const QMessageLogContext &, const QString &text)
     handledTexts.append(text);
     if (handledTexts.size() == 1)
         handledTexts.append(callee->getModel());
+}
+
+/// Lets another thread call from within the log of an error, and looks whether it has to wait.
+void letAnotherCall(QtMsgType, const QMessageLogContext &, const QString &)
+{
+    callOfAnother = std::async(std::launch::async, [] { return callee->getModel(); });
+    hasAnotherWaited =
+        callOfAnother.wait_for(std::chrono::milliseconds(200)) == std::future_status::timeout;
 }
 
 } // namespace
@@ -72,6 +83,41 @@ private Q_SLOTS:
             arrived[call.arguments.at(0).toInt()].append(call.arguments.at(1).toInt());
         for (const QVector<int> &values : qAsConst(arrived))
             QCOMPARE(values, (QVector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    }
+
+    void aCallIsOverWhenItsErrorHasBeenLogged()
+    {
+        m_service.setAnswer(
+            QStringLiteral("getTabSize"),
+            Answer::error(QStringLiteral("tests.Error"), QStringLiteral("refused")));
+        m_service.setAnswer(QStringLiteral("getModel"), Answer::value(QStringLiteral("model")));
+        callee = &m_manager;
+        const QtMessageHandler previous = qInstallMessageHandler(letAnotherCall);
+        m_manager.getTabSize();
+        qInstallMessageHandler(previous);
+        QCOMPARE(callOfAnother.get(), QStringLiteral("model"));
+        QVERIFY(hasAnotherWaited);
+    }
+
+    void theCollectionIdIsThatOfTheMomentOfSending()
+    {
+        Answer late = Answer::value(8);
+        late.delayInMilliseconds = 200;
+        m_service.setAnswer(QStringLiteral("getTabSize"), late);
+        m_service.setAnswer(QStringLiteral("getModel"), Answer::value(QStringLiteral("model")));
+        std::future<int> first = startCall(m_manager);
+        std::atomic<bool> isCalling = false;
+        std::future<QString> second = std::async(std::launch::async, [&] {
+            isCalling = true;
+            return m_manager.getModel();
+        });
+        QTRY_VERIFY(isCalling);
+        QTest::qWait(50); // until it waits for the first; if it does not yet, nothing is seen
+        m_manager.setCatalogsCollectionId(QStringLiteral("new"));
+        QCOMPARE(first.get(), 8);
+        QCOMPARE(second.get(), QStringLiteral("model"));
+        QCOMPARE(m_service.takeCalls().last().arguments, QVariantList{QStringLiteral("new")});
+        m_manager.setCatalogsCollectionId(QStringLiteral("masterCollectionKey"));
     }
 
     void twoFacadesDoNotWaitForEachOther()

@@ -2,6 +2,7 @@
 
 #include "Simulator.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusServiceWatcher>
 #include <QtDBus/QDBusVariant>
@@ -97,8 +98,11 @@ private Q_SLOTS:
 
     void theAnswerComesLate()
     {
-        inject("delay", "getTabSize", 1, "10");
+        inject("delay", "getTabSize", 1, "200");
+        QElapsedTimer sinceTheCall;
+        sinceTheCall.start();
         QCOMPARE(m_simulator.value("getTabSize"), QVariant(4));
+        QVERIFY(sinceTheCall.elapsed() >= 200);
     }
 
     void whatIsAnsweredLateOrWronglyIsCarriedOutAtOnce()
