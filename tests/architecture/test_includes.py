@@ -3,7 +3,6 @@
 
 import pathlib
 import re
-import subprocess
 import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
@@ -27,11 +26,9 @@ def rooms():
             for room, may in rows("docs/ARCHITECTURE.md") if room not in ("tests", "benchmarks")}
 
 
-def tracked():
-    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard",
-                             "*.cpp", "*.h"], cwd=PROJECT, capture_output=True, text=True, check=True)
-    return [file for file in map(pathlib.Path, listed.stdout.splitlines())
-            if (PROJECT / file).exists()]
+def sources():
+    return [path.relative_to(PROJECT) for room in rooms()
+            for path in sorted((PROJECT / room).rglob("*")) if path.suffix in (".cpp", ".h")]
 
 
 def included(file):
@@ -45,7 +42,7 @@ def included(file):
 
 
 class Includes(unittest.TestCase):
-    files = tracked()
+    files = sources()
 
     def test_keep_to_the_rooms(self):
         checked = 0

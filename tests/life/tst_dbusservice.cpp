@@ -235,6 +235,29 @@ private Q_SLOTS:
         QVERIFY(std::async(std::launch::async, [&] { return service.isConnected(); }).get());
     }
 
+    // The thread sanitizer sees whether that is safe.
+    void isReadableFromAnotherThreadWhileItChanges()
+    {
+        const DBusService service(m_watching, serviceName, nullptr);
+        std::atomic<bool> isOver = false;
+        auto changesSeen = std::async(std::launch::async, [&] {
+            int changes = 0;
+            for (bool last = false; !isOver;) {
+                if (service.isConnected() != std::exchange(last, service.isConnected()))
+                    ++changes;
+            }
+            return changes;
+        });
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(m_first.registerService(serviceName));
+            QTRY_VERIFY(service.isConnected());
+            QVERIFY(m_first.unregisterService(serviceName));
+            QTRY_VERIFY(!service.isConnected());
+        }
+        isOver = true;
+        QVERIFY(changesSeen.get() > 0);
+    }
+
     void asksTheBusAfterItHasSubscribedAndThenNoMore()
     {
         BusMonitor monitor(m_bus);

@@ -17,8 +17,14 @@ IDENTITY = "/etc/machine-id"
 
 
 def main(path, configuration):
-    subprocess.run(["mount", "-t", "tmpfs", "tmpfs", "/run/systemd"], check=True)
-    os.mkdir(os.path.dirname(JOURNAL))
+    bus = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+    bus.bind(path)
+    os.chmod(path, 0o777)
+    bus.listen()
+
+    # Not every system has /run/systemd to mount on.
+    subprocess.run(["mount", "-t", "tmpfs", "tmpfs", "/run"], check=True)
+    os.makedirs(os.path.dirname(JOURNAL))
     journal = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     journal.bind(JOURNAL)
     if os.fork() == 0:
@@ -31,12 +37,9 @@ def main(path, configuration):
         identity.flush()
         subprocess.run(["mount", "--bind", identity.name, IDENTITY], check=True)
 
-    bus = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-    bus.bind(path)
-    os.chmod(path, 0o777)
-    bus.listen()
     # As systemd hands a socket over: from the third descriptor on.
     os.dup2(bus.fileno(), 3)
+    os.set_inheritable(3, True)  # it may have been the third already
     environment = dict(os.environ, LISTEN_FDS="1", LISTEN_PID=str(os.getpid()),
                        DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={path}")
     print(f"unix:path={path}", flush=True)
