@@ -19,6 +19,8 @@ namespace {
 ConfigurationManager *callee = nullptr;
 QStringList handledTexts;
 std::future<QString> callOfAnother;
+std::promise<void> mayLog;
+std::atomic<bool> isLogging = false;
 bool hasAnotherWaited = false;
 
 /// Calls the service from within the log of the first error, while the call that failed is not
@@ -36,6 +38,13 @@ void letAnotherCall(QtMsgType, const QMessageLogContext &, const QString &)
     callOfAnother = std::async(std::launch::async, [] { return callee->getModel(); });
     hasAnotherWaited =
         callOfAnother.wait_for(std::chrono::milliseconds(200)) == std::future_status::timeout;
+}
+
+/// Keeps the call that has failed from being over.
+void waitUntilItMayLog(QtMsgType, const QMessageLogContext &, const QString &)
+{
+    isLogging = true;
+    mayLog.get_future().wait();
 }
 
 } // namespace
@@ -101,23 +110,23 @@ private Q_SLOTS:
 
     void theCollectionIdIsThatOfTheMomentOfSending()
     {
-        Answer late = Answer::value(8);
-        late.delayInMilliseconds = 200;
-        m_service.setAnswer(QStringLiteral("getTabSize"), late);
+        m_service.setAnswer(
+            QStringLiteral("getTabSize"),
+            Answer::error(QStringLiteral("tests.Error"), QStringLiteral("refused")));
         m_service.setAnswer(QStringLiteral("getModel"), Answer::value(QStringLiteral("model")));
-        std::future<int> first = startCall(m_manager);
-        std::atomic<bool> isCalling = false;
-        std::future<QString> second = std::async(std::launch::async, [&] {
-            isCalling = true;
-            return m_manager.getModel();
-        });
-        QTRY_VERIFY(isCalling);
-        QTest::qWait(50); // until it waits for the first; if it does not yet, nothing is seen
+        const QtMessageHandler previous = qInstallMessageHandler(waitUntilItMayLog);
+        auto first = std::async(std::launch::async, [this] { return m_manager.getTabSize(); });
+        QTRY_VERIFY(isLogging);
+        auto second = std::async(std::launch::async, [this] { return m_manager.getModel(); });
+        // Until it waits for the first; if it does not yet, nothing wrong is seen.
+        QTest::qWait(100);
         m_manager.setCatalogsCollectionId(QStringLiteral("new"));
-        QCOMPARE(first.get(), 8);
+        mayLog.set_value();
+        QCOMPARE(first.get(), 0);
         QCOMPARE(second.get(), QStringLiteral("model"));
-        QCOMPARE(m_service.takeCalls().last().arguments, QVariantList{QStringLiteral("new")});
+        qInstallMessageHandler(previous);
         m_manager.setCatalogsCollectionId(QStringLiteral("masterCollectionKey"));
+        QCOMPARE(m_service.takeCalls().last().arguments, QVariantList{QStringLiteral("new")});
     }
 
     void twoFacadesDoNotWaitForEachOther()

@@ -8,11 +8,9 @@
 
 namespace {
 
-const QString configuration = QStringLiteral(BUS_CONFIGURATION);
-
-QStringList commandOf(const QString &daemon, const QString &socket)
+QStringList commandOf(const QString &socket, const QString &configuration)
 {
-    if (daemon == QLatin1String("dbus-broker")) {
+    if (isDBusBroker()) {
         if (!canMount()) {
             QTextStream(stdout) << "SKIPPED: this machine lets nobody mount, as the launcher of "
                                    "dbus-broker needs"
@@ -31,11 +29,16 @@ QStringList commandOf(const QString &daemon, const QString &socket)
     }
     return {QStringLiteral("dbus-daemon"), QStringLiteral("--nofork"),
             QStringLiteral("--print-address"), QStringLiteral("--address=unix:path=") + socket,
-            daemon.isEmpty() ? QStringLiteral("--session")
-                             : QStringLiteral("--config-file=") + configuration};
+            configuration.isEmpty() ? QStringLiteral("--session")
+                                    : QStringLiteral("--config-file=") + configuration};
 }
 
 } // namespace
+
+bool isDBusBroker()
+{
+    return qEnvironmentVariable("TEST_BUS") == QLatin1String("dbus-broker");
+}
 
 bool canMount()
 {
@@ -50,8 +53,13 @@ bool canMount()
 }
 
 PrivateBus::PrivateBus()
-    : m_command(
-          commandOf(qEnvironmentVariable("TEST_BUS"), m_directory.filePath(QStringLiteral("bus")))),
+    : PrivateBus(qEnvironmentVariableIsSet("TEST_BUS") ? QStringLiteral(BUS_CONFIGURATION)
+                                                       : QString())
+{
+}
+
+PrivateBus::PrivateBus(const QString &configuration)
+    : m_command(commandOf(m_directory.filePath(QStringLiteral("bus")), configuration)),
       m_daemon(m_command.constFirst(), m_command.mid(1)),
       m_address(m_daemon.startAndReadLine())
 {

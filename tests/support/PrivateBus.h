@@ -13,6 +13,9 @@
 /// Whether a mount name space of one's own can be had, which an ordinary container does not allow.
 bool canMount();
 
+/// Whether the bus of this test is a dbus-broker: some messages of the buses differ.
+bool isDBusBroker();
+
 /// A bus of a test's own, which this process and its children take for the system bus.
 ///
 /// The environment variable TEST_BUS chooses it: "dbus-daemon" or "dbus-broker", with the limits of
@@ -24,6 +27,9 @@ class PrivateBus
 {
 public:
     PrivateBus();
+
+    /// A bus with a configuration of the test's own, which may have a policy.
+    explicit PrivateBus(const QString &configuration);
 
     QString address() const;
 
