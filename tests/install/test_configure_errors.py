@@ -54,7 +54,7 @@ class ConfigureErrors(unittest.TestCase):
     def test_benchmarks_without_tests(self):
         self.assert_error(self.configure("-DLIBCONFIGURATIONMANAGER_BENCHMARKS=ON",
                                          "-DBUILD_TESTING=OFF"),
-                          "The benchmarks use the tests' bus and service: set -DBUILD_TESTING=ON")
+                          "The benchmarks use the tests' bus: set -DBUILD_TESTING=ON")
 
     def test_a_compiler_that_is_too_old(self):
         compiler = self.write("g++", '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=7 "$@"\n')
