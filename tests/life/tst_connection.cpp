@@ -21,18 +21,6 @@ class TestConnection : public QObject
 private Q_SLOTS:
     void cleanup() { m_service.kill(); }
 
-    // First, because all facades of a process share what they watch on the bus: two matches, and an
-    // answer on the owner for each facade.
-    void constructionTakesFewMessages()
-    {
-        const QDBusConnection bus = QDBusConnection::systemBus();
-        BusMonitor monitor(m_bus);
-        const ConfigurationManager first(nullptr);
-        QCOMPARE(monitor.countMessages(bus), 4);
-        const ConfigurationManager second(nullptr);
-        QCOMPARE(monitor.countMessages(bus), 2);
-    }
-
     void eachChangeIsToldOnce()
     {
         const ConfigurationManager manager(nullptr);

@@ -135,7 +135,7 @@ void share(int milliseconds)
     const std::vector<qint64> counts = callers.counts();
     const qint64 mean = std::accumulate(counts.begin(), counts.end(), qint64(0)) / threadCount;
     const qint64 least = *std::min_element(counts.begin(), counts.end());
-    std::printf("%lld calls at least, %lld on average\n", least, mean);
+    std::printf("calls of a thread: %lld, at least half of the mean of %lld\n", least, mean);
     if (least < mean / 2)
         ++mistakeCount;
 }

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+
+// A program that is connected to the bus, like start_bus.cpp, and then makes a manager.
+
+#include <libconfigurationmanager/ConfigurationManager.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtDBus/QDBusConnection>
+
+#include <cstdio>
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QDBusConnection bus = QDBusConnection::systemBus();
+    std::puts(bus.isConnected() ? "connected" : "no bus");
+    std::fflush(stdout);
+    std::getchar();
+
+    const libconfigurationmanager::detail::ConfigurationManager manager;
+    std::puts("made");
+    std::fflush(stdout);
+    std::getchar();
+    return EXIT_SUCCESS;
+}
