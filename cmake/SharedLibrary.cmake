@@ -4,16 +4,23 @@
 # version and the installation with a CMake package and a pkg-config file.
 #
 # name: the target, the package and the folder of the headers.
+# TARGET: the target as users name it, name::name unless given.
 # DESCRIPTION: one line on what the library is for.
 # INCLUDE_DIR: the folder that holds the folder of the public headers.
 # PACKAGES: packages that a user of this one needs as well, as find_dependency takes them.
 # PKG_CONFIG_REQUIRES: the same, as pkg-config names them.
 function(configure_shared_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg ""
-        "DESCRIPTION;INCLUDE_DIR;PKG_CONFIG_REQUIRES" "PACKAGES")
+        "DESCRIPTION;INCLUDE_DIR;PKG_CONFIG_REQUIRES;TARGET" "PACKAGES")
+    if(NOT arg_TARGET)
+        set(arg_TARGET ${name}::${name})
+    endif()
+    string(REGEX MATCH "^(.+::)(.+)$" _ ${arg_TARGET})
+    set(namespace ${CMAKE_MATCH_1})
 
-    add_library(${name}::${name} ALIAS ${name})
+    add_library(${arg_TARGET} ALIAS ${name})
     set_target_properties(${name} PROPERTIES
+        EXPORT_NAME ${CMAKE_MATCH_2}
         PREFIX "" # the name has it already
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
@@ -24,7 +31,7 @@ function(configure_shared_library name)
     install(DIRECTORY ${arg_INCLUDE_DIR}/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
     set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
-    install(EXPORT ${name} NAMESPACE ${name}:: FILE ${name}-targets.cmake
+    install(EXPORT ${name} NAMESPACE ${namespace} FILE ${name}-targets.cmake
         DESTINATION ${package_dir})
     list(TRANSFORM arg_PACKAGES REPLACE "(.+)" "find_dependency(\\1)")
     list(JOIN arg_PACKAGES "\n" FIND_DEPENDENCIES)

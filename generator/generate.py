@@ -52,7 +52,9 @@ def outputs(table):
     """Each file, relative to the project, with the text that the table gives it."""
     for path, write in (
             ("include/libconfigurationmanager/ConfigurationManager.h", public_declarations),
-            ("src/ConfigurationManager_p.h", private_declarations)):
+            ("src/ConfigurationManager_p.h", private_declarations),
+            ("async/include/libconfigurationmanager-async/AsyncConfigurationManager.h",
+             async_operations)):
         yield path, with_region(path, "\n".join(write(table)))
     for path, write in (
             ("src/ConfigurationManager_operations.cpp", forwarding),
@@ -112,6 +114,23 @@ def private_declarations(table):
         yield f"    // {family}"
         for operation in operations:
             yield from declaration(operation, operation.const_private)
+
+
+def async_operations(table):
+    for family, operations in families(table):
+        yield ""
+        yield f"    /// \\name {family}"
+        yield "    /// @{"
+        for operation in operations:
+            parameters = ", ".join(with_defaults(operation))
+            constant = f'"{operation.remote}", {" | ".join(async_traits(operation))}'
+            arguments = ", ".join([constant] + [p.name for p in operation.parameters])
+            yield from textwrap.wrap(operation.sentence, COLUMNS, initial_indent="    /// ",
+                                     subsequent_indent="    /// ")
+            yield (f"    PendingReply<{operation.result}> {operation.name}({parameters})"
+                   f"{' const' if operation.const_public else ''}"
+                   f" {{ return call<{operation.result}>({arguments}); }}")
+        yield "    /// @}"
 
 
 def in_namespace(lines):
@@ -202,6 +221,12 @@ def traits(operation):
     return [name for name, is_true in holds.items() if is_true] or ["NoTrait"]
 
 
+def async_traits(operation):
+    """Those that do not concern the log."""
+    return [name for name in traits(operation)
+            if name not in ("IsConst", "TakesTextByValue")] or ["NoTrait"]
+
+
 def slots(table):
     yield "#ifndef LIBCONFIGURATIONMANAGER_SLOT_H"
     yield "#define LIBCONFIGURATIONMANAGER_SLOT_H"
@@ -244,10 +269,12 @@ def docstring(table, operation):
 
 
 def declaration(operation, const):
-    parameters = [p.declaration + (f" = {p.default}" if p.default else "")
-                  for p in operation.parameters]
-    return filled(f"    {operation.result} {operation.name}(", parameters,
+    return filled(f"    {operation.result} {operation.name}(", with_defaults(operation),
                   f"){' const' if const else ''};")
+
+
+def with_defaults(operation):
+    return [p.declaration + (f" = {p.default}" if p.default else "") for p in operation.parameters]
 
 
 def definition(class_name, operation, const):

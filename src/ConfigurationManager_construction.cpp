@@ -3,6 +3,7 @@
 #include "ConfigurationManager_p.h"
 
 #include "CallInFlight.h"
+#include "ServiceAddress.h"
 #include "WireTypes.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
@@ -14,14 +15,6 @@
 
 namespace libconfigurationmanager {
 namespace detail {
-
-namespace {
-
-const QString defaultCollectionId = QStringLiteral("masterCollectionKey");
-const QString objectPath = QStringLiteral("/");
-const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
-
-} // namespace
 
 ConfigurationManagerPrivate::ConfigurationManagerPrivate(ConfigurationManager *facade,
                                                          QObject *parent)

@@ -20,8 +20,8 @@ def rows(document):
 
 
 def rooms():
-    """What each room may include: folders, and single public headers."""
-    return {room: {name.rstrip("/") if name.endswith("/") else f"include/libconfigurationmanager/{name}"
+    """What each room may include: folders, single headers by their path, and public ones by name."""
+    return {room: {name.rstrip("/") if "/" in name else f"include/libconfigurationmanager/{name}"
                    for name in re.findall(r"`([\w./]+)`", may)} | {room}
             for room, may in rows("docs/ARCHITECTURE.md") if room not in ("tests", "benchmarks")}
 

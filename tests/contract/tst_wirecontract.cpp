@@ -1,56 +1,43 @@
 // SPDX-License-Identifier: MIT
 
-#include "ContractLine.h"
 #include "LogCapture.h"
 #include "NamedCall.h"
-#include "RecordingService.h"
 #include "TypedCalls.h"
+#include "WireContract.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QHash>
 #include <QtTest/QTest>
 
-#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 namespace {
 
-QStringList linesOfTheLock()
+/// A facade, whose operations say in the log why they fail.
+class FacadeSubject : public ContractSubject
 {
-    QFile file(QStringLiteral(OPERATIONS_LOCK));
-    if (!file.open(QFile::ReadOnly))
-        qFatal("%s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
-    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-    lines.erase(std::remove_if(lines.begin(), lines.end(),
-                               [](const QString &line) {
-                                   return line.isEmpty() || line.startsWith(QLatin1Char('#'));
-                               }),
-                lines.end());
-    return lines;
-}
+public:
+    using Caller = std::function<QVariant(Facade &, const QMetaMethod &slot, int round)>;
 
-/// The lines that only one of the two has, as a diff marks them.
-QStringList differences(const QStringList &expected, const QStringList &arrived)
-{
-    QStringList lines;
-    const auto addMissing = [&lines](const QString &mark, const QStringList &from,
-                                     const QStringList &in) {
-        const QSet<QString> present(in.cbegin(), in.cend());
-        for (const QString &line : from) {
-            if (!present.contains(line))
-                lines << mark + line;
-        }
-    };
-    addMissing(QStringLiteral("- "), expected, arrived);
-    addMissing(QStringLiteral("+ "), arrived, expected);
-    // Next to each other what is about the same operation.
-    std::stable_sort(lines.begin(), lines.end(), [](const QString &left, const QString &right) {
-        return left.section(QLatin1Char('('), 0, 0).mid(2) <
-               right.section(QLatin1Char('('), 0, 0).mid(2);
-    });
-    return lines;
-}
+    explicit FacadeSubject(Caller caller) : m_caller(std::move(caller)) {}
+
+    bool isConnected() const override { return m_facade.isConnected(); }
+    void setCollectionId(const QString &id) override { m_facade.setCatalogsCollectionId(id); }
+
+    Outcome call(const QMetaMethod &slot, int round) override
+    {
+        LogCapture log;
+        Outcome outcome{m_caller(m_facade, slot, round), {}};
+        for (const LogLine &line : log.takeLines())
+            outcome.said << line.text;
+        return outcome;
+    }
+
+private:
+    const Caller m_caller;
+    Facade m_facade{nullptr};
+};
 
 } // namespace
 
@@ -87,59 +74,16 @@ private Q_SLOTS:
     }
 
 private:
-    using Caller = std::function<QVariant(Facade &, const QMetaMethod &slot, int round)>;
-
-    void compareWithTheLock(const QVector<QMetaMethod> &methods, const Caller &call)
+    void compareWithTheLock(const QVector<QMetaMethod> &methods, FacadeSubject::Caller call)
     {
-        QVector<ObservedSlot> observed;
-        for (const QMetaMethod &slot : methods)
-            observed << ObservedSlot{slot, {}, {}};
-
-        Facade facade(nullptr);
-        QVERIFY(!facade.isConnected());
-        for (ObservedSlot &each : observed) {
-            LogCapture log;
-            call(facade, each.slot, 0);
-            each.notConnected = textsOf(log);
-        }
-
-        m_service.start();
-        QTRY_VERIFY(facade.isConnected());
-        // The first id is the one that nobody has set.
-        const QString ids[] = {QStringLiteral("masterCollectionKey"),
-                               QStringLiteral("another collection"), QString()};
-        for (int round = 0; round < 3; ++round) {
-            if (round > 0)
-                facade.setCatalogsCollectionId(ids[round]);
-            for (ObservedSlot &each : observed) {
-                ObservedCall seen;
-                seen.given = sampleArguments(each.slot, round);
-                seen.collectionId = ids[round];
-                seen.reply = sampleValue(each.slot.typeName(), round);
-                m_service.setAnswer(seen.reply.isValid() ? Answer::value(seen.reply) : Answer());
-                LogCapture log;
-                seen.returned = call(facade, each.slot, round);
-                seen.logged = textsOf(log);
-                seen.arrived = m_service.takeCalls();
-                each.calls << seen;
-            }
-        }
-
-        const QStringList changes = differences(linesOfTheLock(), contractLines(observed));
+        FacadeSubject subject(std::move(call));
+        const QStringList changes = differencesFromTheLock(subject, methods, m_service);
         if (!changes.isEmpty()) {
             std::printf("What the lock (-) and the wire (+) do not have in common:\n%s\n",
                         qPrintable(changes.join(QLatin1Char('\n'))));
             QFAIL("The lines stand above. Is the change meant? Then change operations.lock and run "
                   "scripts/generate");
         }
-    }
-
-    static QStringList textsOf(LogCapture &log)
-    {
-        QStringList texts;
-        for (const LogLine &line : log.takeLines())
-            texts << line.text;
-        return texts;
     }
 
     PrivateBus m_bus;

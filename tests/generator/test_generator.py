@@ -16,12 +16,13 @@ sys.path.insert(0, str(PROJECT / "generator"))
 import operations
 
 HEADER = "include/libconfigurationmanager/ConfigurationManager.h"
+ASYNC = "async/include/libconfigurationmanager-async/AsyncConfigurationManager.h"
 FACADE = "src/ConfigurationManager_operations.cpp"
 PRIVATE_HEADER = "src/ConfigurationManager_p.h"
 PRIVATE = "src/ConfigurationManager_p.cpp"
 SLOTS = "src/Slot.h"
 XML = "interface/com.tavelornbraille.ConfigurationManager.xml"
-OUTPUTS = (HEADER, PRIVATE_HEADER, FACADE, PRIVATE, SLOTS, XML)
+OUTPUTS = (HEADER, PRIVATE_HEADER, ASYNC, FACADE, PRIVATE, SLOTS, XML)
 TABLE = "interface/operations.table"
 
 
@@ -37,7 +38,7 @@ class Copy(unittest.TestCase):
         directory = tempfile.TemporaryDirectory()
         self.addCleanup(directory.cleanup)
         self.project = pathlib.Path(directory.name)
-        for folder in ("generator", "include", "interface", "src"):
+        for folder in ("async", "generator", "include", "interface", "src"):
             shutil.copytree(PROJECT / folder, self.project / folder)
 
     def read(self, path):
@@ -297,6 +298,10 @@ class AnAddedRow(Copy):
     /// setScaleOf(unit, scale, collection id, keep), sisb; "Not Connected." without the service
     bool setScale(const QString &unit, int scale, bool keep = false);
 """,
+        ASYNC: """\
+    /// Sets the scale & size, in the numbers of lcm::Duplex.
+    PendingReply<bool> setScale(const QString &unit, int scale, bool keep = false) { return call<bool>("setScaleOf", SendsCollectionId | EndsInFlag | SaysNotConnectedWithCapital, unit, scale, keep); }
+""",
         FACADE: """\
 bool ConfigurationManager::setScale(const QString &unit, int scale, bool keep) { return d->setScale(unit, scale, keep); }
 """,
@@ -353,7 +358,8 @@ class ARewordedRow(Copy):
         after = self.outputs()
         for path in (PRIVATE, FACADE, PRIVATE_HEADER):
             after[path] = after[path].replace("level", "value")
-        self.assertEqual([path for path in OUTPUTS if after[path] != before[path]], [HEADER, XML])
+        self.assertEqual([path for path in OUTPUTS if after[path] != before[path]],
+                         [HEADER, ASYNC, XML])
         self.assertEqual(facts(after[XML]), facts(before[XML]))
 
 

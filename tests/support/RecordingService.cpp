@@ -5,6 +5,8 @@
 #include <QtCore/QUuid>
 #include <QtDBus/QDBusMessage>
 
+#include <csignal>
+
 RecordingService::RecordingService(const PrivateBus &bus)
     : m_connection(bus.connect(QUuid::createUuid().toString())),
       m_program(QStringLiteral(RECORDING_SERVICE_PROGRAM), {})
@@ -25,6 +27,16 @@ void RecordingService::kill()
 void RecordingService::leaveTheBus()
 {
     control(QStringLiteral("leaveTheBus"));
+}
+
+void RecordingService::pause()
+{
+    ::kill(pid_t(m_program.processId()), SIGSTOP);
+}
+
+void RecordingService::resume()
+{
+    ::kill(pid_t(m_program.processId()), SIGCONT);
 }
 
 bool RecordingService::waitForExit()

@@ -27,6 +27,10 @@ public:
     /// Gives the name of the service up; calls that wait for an answer go on waiting.
     void leaveTheBus();
 
+    /// Has the program stand still: it stays on the bus, but does nothing.
+    void pause();
+    void resume();
+
     /// Returns whether the program ends of itself, as with Answer::exit() it does.
     bool waitForExit();
 

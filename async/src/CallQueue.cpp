@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+
+#include "CallQueue.h"
+
+#include <libtavelorn/DBusService.h>
+
+#include <QtDBus/QDBusAbstractInterface>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusMessage>
+
+#include <utility>
+
+namespace libconfigurationmanager {
+
+CallQueue::CallQueue(const libtavelorn::DBusService *service, QDBusAbstractInterface *proxy)
+    : m_service(service), m_proxy(proxy)
+{
+}
+
+void CallQueue::add(PendingCallPrivate *call)
+{
+    if (isServiceAbsent()) {
+        call->finishWithoutService();
+        return;
+    }
+    if (m_waiting.isEmpty() && hasRoom()) {
+        put(Call(call));
+        return;
+    }
+    // From now on each answer makes room for another call, whether or not somebody asks for it.
+    if (m_waiting.isEmpty()) {
+        for (const Call &other : qAsConst(m_onBus))
+            other->watch();
+    }
+    m_waiting.append(Call(call));
+    fill();
+}
+
+/// Without a bus a call is tried all the same: that is another error.
+bool CallQueue::isServiceAbsent() const
+{
+    return !m_service->isConnected() && m_proxy->connection().isConnected();
+}
+
+void CallQueue::put(const Call &call)
+{
+    m_proxy->setTimeout(call->timeout);
+    call->send(m_proxy->asyncCallWithArgumentList(call->method, call->arguments));
+    // Without a bus: Qt tells nobody of such an answer.
+    if (call->isAnswered()) {
+        call->finishWithAnswer();
+        return;
+    }
+    m_onBus.append(call);
+    if (!m_waiting.isEmpty())
+        call->watch();
+}
+
+/// Takes in what has been answered, from the oldest call on, if that is what it takes.
+bool CallQueue::hasRoom()
+{
+    if (m_onBus.size() < m_maximumOnBus)
+        return true;
+    while (!m_onBus.isEmpty() && m_onBus.constFirst()->isAnswered())
+        m_onBus.takeFirst()->finishWithAnswer();
+    return m_onBus.size() < m_maximumOnBus;
+}
+
+void CallQueue::fill()
+{
+    while (!m_waiting.isEmpty() && hasRoom())
+        put(m_waiting.takeFirst());
+}
+
+void CallQueue::settle(PendingCallPrivate *call)
+{
+    const Call keptAlive(call);
+    m_onBus.removeOne(keptAlive);
+    call->finishWithAnswer();
+    fill();
+}
+
+void CallQueue::waitForOldest()
+{
+    const Call oldest = m_onBus.constFirst();
+    oldest->waitForAnswer();
+    settle(oldest.data());
+}
+
+void CallQueue::setMaximumOnBus(int count)
+{
+    m_maximumOnBus = qMax(count, 1);
+    fill();
+}
+
+void CallQueue::serviceHasLeft()
+{
+    const QList<Call> calls = std::exchange(m_waiting, {});
+    for (const Call &call : calls)
+        call->finishWithoutService();
+}
+
+void CallQueue::close()
+{
+    m_closed = true;
+    const QDBusError cancelled(QDBusMessage::createError(
+        QStringLiteral("libconfigurationmanager.Error.Cancelled"),
+        QStringLiteral("The calls were given up before the answer arrived.")));
+    const QList<Call> calls = std::exchange(m_onBus, {}) + std::exchange(m_waiting, {});
+    for (const Call &call : calls) {
+        if (call->isOnBus() && call->isAnswered())
+            call->finishWithAnswer();
+        else
+            call->finish(cancelled);
+    }
+}
+
+} // namespace libconfigurationmanager
