@@ -29,10 +29,13 @@ EXTRA_OECMAKE += " \
 PACKAGECONFIG ??= ""
 PACKAGECONFIG[simulator] = "-DLIBCONFIGURATIONMANAGER_SIMULATOR=ON,-DLIBCONFIGURATIONMANAGER_SIMULATOR=OFF,jsoncpp"
 PACKAGECONFIG[tool] = "-DLIBCONFIGURATIONMANAGER_TOOL=ON,-DLIBCONFIGURATIONMANAGER_TOOL=OFF"
+# The calls that do not wait, in a package of their own.
+PACKAGECONFIG[async] = "-DLIBCONFIGURATIONMANAGER_ASYNC=ON,-DLIBCONFIGURATIONMANAGER_ASYNC=OFF"
 # The embosser manufacturer's libtavelorn, from a recipe of that name, instead of the one here.
 PACKAGECONFIG[installed-libtavelorn] = "-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=ON,-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=OFF,libtavelorn"
 
-PACKAGES =+ "${PN}-simulator ${PN}-tool"
+PACKAGES =+ "${PN}-async ${PN}-simulator ${PN}-tool"
+FILES:${PN}-async = "${libdir}/libconfigurationmanager-async.so.*"
 FILES:${PN}-simulator = " \
     ${bindir}/embosser-simulator \
     ${datadir}/dbus-1/system-services \

@@ -13,7 +13,8 @@ VERSION, *LIBRARIES = sys.argv[1:]
 # The classes that are meant for others, with the operators of a wire type; what they take stands in
 # parentheses.
 INTENDED = re.compile(r"""((vtable|typeinfo|typeinfo\ name)\ for\ )?
-    (libconfigurationmanager::detail::ConfigurationManager|lcm::EnumDetail|libtavelorn::DBusService)
+    (libconfigurationmanager::(detail::ConfigurationManager|AsyncConfigurationManager|PendingCall
+    |PendingCallWatcher)|lcm::EnumDetail|libtavelorn::DBusService)
     (::[^(]*(\(.*\)(\ const)?)?)?
     |lcm::operator(<<|>>)\(.*\)""", re.VERBOSE)
 

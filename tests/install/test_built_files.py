@@ -15,6 +15,8 @@ COMPILER = {"libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6", "ld-lin
             "ld-linux-x86-64.so.2"}
 NEEDED = {
     "lib/libconfigurationmanager.so": {"libQt5Core.so.5", "libQt5DBus.so.5", "libtavelorn.so.1"},
+    "lib/libconfigurationmanager-async.so": {"libQt5Core.so.5", "libQt5DBus.so.5",
+                                             "libconfigurationmanager.so.1", "libtavelorn.so.1"},
     "lib/libtavelorn.so": {"libQt5Core.so.5", "libQt5DBus.so.5"},
     "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5", "libconfigurationmanager.so.1"},
     "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5",
@@ -49,7 +51,7 @@ class BuiltFiles(unittest.TestCase):
     def test_are_linked_with_all_that_they_use_and_nothing_else(self):
         # Nothing shows it in files that do.
         commands = run("ninja", "-C", BUILD, "-t", "commands", "all")
-        for library in ("libconfigurationmanager", "libtavelorn"):
+        for library in ("libconfigurationmanager", "libconfigurationmanager-async", "libtavelorn"):
             command = re.search(rf"^.* -Wl,-soname,{library}\.so.*$", commands, re.MULTILINE)
             self.assertRegex(command.group(), r"--no-undefined\b")
             self.assertRegex(command.group(), r"--as-needed\b")
@@ -85,7 +87,7 @@ class BuiltFiles(unittest.TestCase):
         self.assertIn("_chk@", run("nm", "--dynamic", self.prefix / "bin/embosser-simulator"))
 
     def test_have_versioned_names(self):
-        for library in ("libconfigurationmanager", "libtavelorn"):
+        for library in ("libconfigurationmanager", "libconfigurationmanager-async", "libtavelorn"):
             file = self.prefix / f"lib/{library}.so"
             version = re.search(r"SONAME.*\[(.*)\]", run("readelf", "--dynamic", file)).group(1)
             self.assertEqual(version, f"{library}.so.1")

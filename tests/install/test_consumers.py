@@ -10,6 +10,7 @@ import unittest
 from project import SOURCE, VERSION, install, run
 
 CONSUMER = SOURCE / "tests/install/consumer"
+ASYNC_CONSUMER = SOURCE / "tests/install/async-consumer"
 RUN = CONSUMER / "run-with-simulator"
 
 
@@ -29,26 +30,44 @@ class Consumers(unittest.TestCase):
         simulator = self.prefix / "bin/embosser-simulator"
         self.assertEqual(run(RUN, *command, SIMULATOR=str(simulator)), "Kestan\n")
 
-    def test_with_cmake(self):
-        run("cmake", "-S", CONSUMER, "-B", self.folder, f"-DCMAKE_PREFIX_PATH={self.prefix}")
+    def assert_runs_by_cmake(self, consumer):
+        run("cmake", "-S", consumer, "-B", self.folder, f"-DCMAKE_PREFIX_PATH={self.prefix}")
         run("cmake", "--build", self.folder)
         self.assert_runs(self.folder / "consumer")
 
-    def test_with_pkg_config(self):
-        shutil.copytree(CONSUMER, self.folder)
+    def assert_runs_by_pkg_config(self, consumer):
+        shutil.copytree(consumer, self.folder)
         libraries = self.prefix / "lib"
         run("make", "-C", self.folder, "-f", "Makefile", "consumer",
             f"LDFLAGS=-Wl,-rpath,'{libraries}'", PKG_CONFIG_PATH=f"{libraries}/pkgconfig")
         self.assert_runs(self.folder / "consumer")
 
-    def test_with_qmake(self):
+    def assert_runs_by_qmake(self, consumer):
         self.folder.mkdir()
         libraries = self.prefix / "lib"
         environment = {"PKG_CONFIG_PATH": f"{libraries}/pkgconfig", "QT_SELECT": "5",
                        "LD_RUN_PATH": str(libraries)}
-        run("qmake", "-o", self.folder / "Makefile", CONSUMER / "consumer.pro", **environment)
+        run("qmake", "-o", self.folder / "Makefile", consumer / "consumer.pro", **environment)
         run("make", "-C", self.folder, **environment)
         self.assert_runs(self.folder / "consumer")
+
+    def test_with_cmake(self):
+        self.assert_runs_by_cmake(CONSUMER)
+
+    def test_with_pkg_config(self):
+        self.assert_runs_by_pkg_config(CONSUMER)
+
+    def test_with_qmake(self):
+        self.assert_runs_by_qmake(CONSUMER)
+
+    def test_that_do_not_wait_with_cmake(self):
+        self.assert_runs_by_cmake(ASYNC_CONSUMER)
+
+    def test_that_do_not_wait_with_pkg_config(self):
+        self.assert_runs_by_pkg_config(ASYNC_CONSUMER)
+
+    def test_that_do_not_wait_with_qmake(self):
+        self.assert_runs_by_qmake(ASYNC_CONSUMER)
 
     def test_of_the_support_library_alone(self):
         self.folder.mkdir()
@@ -70,7 +89,7 @@ class Consumers(unittest.TestCase):
         run("g++", "-fPIC", program, *flags.split(), "-o", self.folder / "consumer")
 
     def test_are_told_the_version(self):
-        for package in ("libconfigurationmanager", "libtavelorn"):
+        for package in ("libconfigurationmanager", "libconfigurationmanager-async", "libtavelorn"):
             self.assertEqual(run("pkg-config", "--modversion", package,
                                  PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig"), VERSION + "\n")
 
@@ -91,8 +110,8 @@ class Consumers(unittest.TestCase):
         run("cmake", "--build", self.folder)
         staged = self.directory / "library-only"
         run("cmake", "--install", self.folder, "--prefix", staged)
-        self.assertEqual([library.name for library in staged.glob("lib/lib*.so")],
-                         ["libconfigurationmanager.so"])
+        self.assertCountEqual([library.name for library in staged.glob("lib/lib*.so")],
+                              ["libconfigurationmanager.so", "libconfigurationmanager-async.so"])
         self.assertIn(f"libtavelorn.so.1 => {self.prefix}/lib/libtavelorn.so.1",
                       run("ldd", self.folder / "src/libconfigurationmanager.so"))
 
