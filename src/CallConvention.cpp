@@ -51,6 +51,13 @@ void logError(Operation operation, const QDBusError &error)
     QMessageLogger(sourceFile, operation.line(), function, "default").critical() << error.message();
 }
 
+void logForked(Operation operation)
+{
+    logError(operation,
+             QDBusError(QDBusError::Disconnected,
+                        QStringLiteral("A process that is forked has no connection to the bus")));
+}
+
 /// The value of the reply, or, when the reply is an error or has another type, the default.
 template<typename Result>
 Result resultOf(const QDBusMessage &message, Operation operation)
@@ -71,15 +78,27 @@ bool ConfigurationManagerPrivate::isConnected() const
     return !checkConnection || service->isConnected();
 }
 
+/// Whether there is somebody to call; if not, says so. Before the lock, which is not to be waited
+/// for then, and which a thread of the parent may hold in the child of a fork.
+bool ConfigurationManagerPrivate::mayCall(Operation operation) const
+{
+    const bool connected = isConnected();
+    if (connected && !CallInFlight::isForked())
+        return true;
+    if (connected)
+        logForked(operation);
+    else
+        logNotConnected(operation);
+    return false;
+}
+
 /// The call convention of all operations.
 template<typename Result>
 Result ConfigurationManagerPrivate::perform(Operation operation,
                                             std::initializer_list<Argument> arguments) const
 {
-    if (!isConnected()) {
-        logNotConnected(operation);
+    if (!mayCall(operation))
         return Result();
-    }
     const CallInFlight inFlight;
     const std::lock_guard<FairAccess> locker(access);
     if (CallInFlight::isProcessEnding())

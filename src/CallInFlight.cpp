@@ -6,6 +6,7 @@
 #include <QtCore/QThread>
 
 #include <atomic>
+#include <pthread.h>
 
 namespace libconfigurationmanager {
 namespace detail {
@@ -15,6 +16,7 @@ namespace {
 // Without destructors: threads go on while the process ends.
 std::atomic<int> callCount{0};
 std::atomic<bool> isEnding{false};
+std::atomic<bool> hasForked{false};
 thread_local int loggingCount = 0;
 
 struct Awaiting
@@ -34,11 +36,22 @@ struct Awaiting
 void CallInFlight::awaitAllAtExit()
 {
     static const Awaiting awaiting;
+    // The threads that were calling are not those of the child.
+    static const int registered = pthread_atfork(nullptr, nullptr, [] {
+        hasForked = true;
+        callCount = 0;
+    });
+    Q_UNUSED(registered)
 }
 
 bool CallInFlight::isProcessEnding()
 {
     return isEnding;
+}
+
+bool CallInFlight::isForked()
+{
+    return hasForked.load(std::memory_order_relaxed);
 }
 
 CallInFlight::CallInFlight()

@@ -22,6 +22,10 @@ public:
     /// Whether calls are no longer made, nor lines logged.
     static bool isProcessEnding();
 
+    /// Whether this is the child of a fork(), where nobody reads from the bus: calls would wait for
+    /// ever. Known from awaitAllAtExit() on.
+    static bool isForked();
+
     CallInFlight();
     ~CallInFlight();
     Q_DISABLE_COPY(CallInFlight)

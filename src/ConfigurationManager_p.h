@@ -590,6 +590,7 @@ private:
     Result call(Operation operation, Parameters... parameters) const;
     template<typename Result>
     Result perform(Operation operation, std::initializer_list<Argument> arguments) const;
+    bool mayCall(Operation operation) const;
     QDBusMessage send(Operation operation, std::initializer_list<Argument> arguments) const;
 
     ConfigurationManager *q;
