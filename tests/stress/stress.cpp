@@ -9,13 +9,19 @@
 // sanitizer.
 
 #include "ChildProcess.h"
+#include "LogCapture.h"
+#include "NamedCall.h"
 #include "PrivateBus.h"
+#include "SampleValues.h"
 
 #include <libconfigurationmanager/ConfigurationManager.h>
 #include <libtavelorn/DBusService.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 
@@ -165,6 +171,96 @@ void loseTheBus(PrivateBus &bus)
     runEventLoop(150);
 }
 
+/// A service that answers, and to which something happens every 20 milliseconds.
+QStringList echoUntil(const char *event)
+{
+    return {QStringLiteral("echo"), QStringLiteral("20"), QString::fromLatin1(event)};
+}
+
+/// The memory of this process, in KiB: what is its own, not what it shares.
+qint64 ownMemory()
+{
+    QFile file(QStringLiteral("/proc/self/smaps_rollup"));
+    if (!file.open(QFile::ReadOnly))
+        qFatal("no %s", qPrintable(file.fileName()));
+    static const QRegularExpression entry(QStringLiteral("Private_Dirty: *(\\d+) kB"));
+    return entry.match(QString::fromLatin1(file.readAll())).captured(1).toLongLong();
+}
+
+int openDescriptors()
+{
+    return int(QDir(QStringLiteral("/proc/self/fd")).count());
+}
+
+/// Makes calls of all outcomes for a time, and again for three times as long.
+void watchGrowth(int milliseconds)
+{
+    const auto all = managers(1);
+    const ConfigurationManager &manager = *all.front();
+    const auto callFor = [&](const char *behaviour, int time) {
+        const Service service({QString::fromLatin1(behaviour)});
+        QElapsedTimer timer;
+        for (timer.start(); timer.elapsed() < time; ++callCount) {
+            manager.getProposition(QString::number(callCount));
+            manager.getTabSize();
+        }
+        runEventLoop(1);
+    };
+    const auto callAllFor = [&](int time) {
+        for (const char *behaviour : {"echo", "error", "error-without-body"})
+            callFor(behaviour, time / 3);
+    };
+    callAllFor(milliseconds / 4);
+    const qint64 memory = ownMemory();
+    const int descriptors = openDescriptors();
+    callAllFor(milliseconds * 3 / 4);
+    const qint64 growth = ownMemory() - memory;
+    std::printf("%lld KiB of memory, %+lld; %d descriptors, %+d\n", memory, growth, descriptors,
+                openDescriptors() - descriptors);
+    // A page here and there is the allocator's.
+    if (growth > std::max<qint64>(memory / 100, 64) || openDescriptors() > descriptors)
+        ++mistakeCount;
+}
+
+/// Makes and destroys that many facades, whose private objects stay on purpose.
+void watchFacades(int count)
+{
+    constexpr int mostBytes = 6144;
+    managers(100);
+    const qint64 memory = ownMemory();
+    const int descriptors = openDescriptors();
+    for (int i = 0; i < count; ++i)
+        managers(1);
+    runEventLoop(1);
+    const qint64 each = (ownMemory() - memory) * 1024 / count;
+    std::printf("%lld bytes for each of %d facades, at most %d; %+d descriptors\n", each, count,
+                mostBytes, openDescriptors() - descriptors);
+    if (each > mostBytes || openDescriptors() > descriptors)
+        ++mistakeCount;
+}
+
+/// Calls all operations, whatever the service answers: each gives a value without a line, or its
+/// default with one.
+void callForRandomReplies(int milliseconds)
+{
+    const Service service({QStringLiteral("random")});
+    const auto all = managers(1);
+    LogCapture log;
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) {
+        for (const QMetaMethod &operation : slotsOf(ConfigurationManager::staticMetaObject)) {
+            const QVariant result = callByName(*all.front(), operation, sampleArguments(operation));
+            const int lines = log.takeLines().size();
+            ++callCount;
+            answerCount += lines == 0;
+            if (lines > 1 ||
+                (lines == 1 && plain(result) != plain(defaultValue(operation.typeName()))))
+                ++mistakeCount;
+        }
+    }
+}
+
 int exitCode()
 {
     std::printf("%lld calls, %lld answered, %lld mistakes\n", callCount.load(), answerCount.load(),
@@ -258,10 +354,21 @@ int main(int argc, char *argv[])
     else if (shape == QStringLiteral("errors-of-two-managers"))
         call({QStringLiteral("error")}, 2, 2, milliseconds);
     else if (shape == QStringLiteral("restarts-of-one-manager"))
-        call({QStringLiteral("echo"), QStringLiteral("20")}, threadCount, 1, milliseconds);
+        call(echoUntil("kill"), threadCount, 1, milliseconds);
     else if (shape == QStringLiteral("restarts-of-eight-managers"))
-        call({QStringLiteral("echo"), QStringLiteral("20")}, threadCount, threadCount,
-             milliseconds);
+        call(echoUntil("kill"), threadCount, threadCount, milliseconds);
+    else if (shape == QStringLiteral("stops"))
+        call(echoUntil("stop"), threadCount, threadCount, milliseconds);
+    else if (shape == QStringLiteral("hand-overs"))
+        call(echoUntil("replace"), threadCount, threadCount, milliseconds);
+    else if (shape == QStringLiteral("queues"))
+        call(echoUntil("queue"), threadCount, threadCount, milliseconds);
+    else if (shape == QStringLiteral("random-replies"))
+        callForRandomReplies(milliseconds);
+    else if (shape == QStringLiteral("growth"))
+        watchGrowth(milliseconds);
+    else if (shape == QStringLiteral("facades"))
+        watchFacades(milliseconds);
     else if (shape == QStringLiteral("shares"))
         share(milliseconds);
     else if (shape == QStringLiteral("owners"))
