@@ -3,6 +3,7 @@
 #include <libconfigurationmanager-async/AsyncConfigurationManager.h>
 
 #include "AsyncConfigurationManager_p.h"
+#include "CallInFlight.h"
 #include "Marshallable.h"
 #include "ServiceAddress.h"
 #include "WireTypes.h"
@@ -38,6 +39,7 @@ AsyncConfigurationManagerPrivate *privateOf(AsyncConfigurationManager *manager)
 AsyncConfigurationManager::AsyncConfigurationManager(QObject *parent)
     : QObject(parent), d(privateOf(this))
 {
+    detail::CallInFlight::awaitAllAtExit();
     detail::registerWireTypes();
     const auto relay = [this](void (AsyncConfigurationManager::*signal)()) {
         // A slot may destroy this object.

@@ -2,6 +2,8 @@
 
 #include "CallQueue.h"
 
+#include "CallInFlight.h"
+
 #include <libtavelorn/DBusService.h>
 
 #include <QtDBus/QDBusAbstractInterface>
@@ -19,6 +21,12 @@ CallQueue::CallQueue(const libtavelorn::DBusService *service, QDBusAbstractInter
 
 void CallQueue::add(PendingCallPrivate *call)
 {
+    // Nothing is asked of Qt any more when it is being destroyed.
+    const detail::CallInFlight inFlight;
+    if (!isAnybodyListening()) {
+        call->finishUnanswered();
+        return;
+    }
     if (isServiceAbsent()) {
         call->finishWithoutService();
         return;
@@ -44,6 +52,11 @@ bool CallQueue::isServiceAbsent() const
 
 void CallQueue::put(const Call &call)
 {
+    const detail::CallInFlight inFlight;
+    if (!isAnybodyListening()) {
+        call->finishUnanswered();
+        return;
+    }
     m_proxy->setTimeout(call->timeout);
     call->send(m_proxy->asyncCallWithArgumentList(call->method, call->arguments));
     // Without a bus: Qt tells nobody of such an answer.

@@ -19,6 +19,10 @@ namespace libconfigurationmanager {
 
 class CallQueue;
 
+/// Whether there is still somebody who reads from the bus: not in a process that is ending, nor in
+/// one that is forked. Asked by whoever holds a CallInFlight.
+bool isAnybodyListening();
+
 /// One call on its way: from the queue onto the bus, and from there to its end.
 class PendingCallPrivate : public QSharedData
 {
@@ -35,7 +39,7 @@ public:
     void send(const QDBusPendingCall &pending);
     bool isOnBus() const { return m_phase == OnBus; }
     bool isAnswered() const { return m_pending.isFinished(); }
-    void waitForAnswer() { m_pending.waitForFinished(); }
+    void waitForAnswer();
 
     /// Has the event loop settle the call when the answer arrives.
     void watch();
@@ -44,6 +48,8 @@ public:
     void finishWithAnswer();
     /// The end of a call that is not sent, with the operation's own text.
     void finishWithoutService();
+    /// The end of a call to which nobody will hear an answer.
+    void finishUnanswered();
     /// The end of any call.
     void finish(const QDBusError &problem);
 

@@ -2,6 +2,7 @@
 
 #include <libconfigurationmanager-async/PendingReply.h>
 
+#include "CallInFlight.h"
 #include "CallQueue.h"
 #include "PendingCall_p.h"
 
@@ -10,6 +11,11 @@
 #include <QtDBus/QDBusReply>
 
 namespace libconfigurationmanager {
+
+bool isAnybodyListening()
+{
+    return !detail::CallInFlight::isProcessEnding() && !detail::CallInFlight::isForked();
+}
 
 PendingCallPrivate::PendingCallPrivate(CallQueue *calls, int type)
     : m_queue(calls), m_type(type), m_pending(QDBusPendingCall::fromCompletedCall(QDBusMessage()))
@@ -33,6 +39,13 @@ void PendingCallPrivate::waitForFinished()
         return;
     waitForAnswer();
     m_queue->settle(this);
+}
+
+void PendingCallPrivate::waitForAnswer()
+{
+    const detail::CallInFlight inFlight;
+    if (isAnybodyListening())
+        m_pending.waitForFinished();
 }
 
 void PendingCallPrivate::whenFinished(const QObject *context, std::function<void()> callback)
@@ -79,6 +92,10 @@ void PendingCallPrivate::watch()
 
 void PendingCallPrivate::finishWithAnswer()
 {
+    if (!isAnswered()) {
+        finishUnanswered();
+        return;
+    }
     const QDBusMessage reply = m_pending.reply();
     if (m_type == QMetaType::Void) {
         m_error = QDBusError(reply);
@@ -92,6 +109,13 @@ void PendingCallPrivate::finishWithAnswer()
 void PendingCallPrivate::finishWithoutService()
 {
     finish(QDBusError(QDBusError::ServiceUnknown, QString::fromLatin1(notConnectedText)));
+}
+
+void PendingCallPrivate::finishUnanswered()
+{
+    finish(QDBusError(QDBusError::Disconnected,
+                      QStringLiteral("A process that ends or is forked has no connection to the "
+                                     "bus")));
 }
 
 void PendingCallPrivate::finish(const QDBusError &problem)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "AsyncTypedCalls.h"
+#include "ChildProcess.h"
 #include "LogCapture.h"
 #include "RecordingService.h"
 
@@ -9,6 +10,8 @@
 #include <QtTest/QTest>
 
 #include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using libconfigurationmanager::PendingCallWatcher;
 
@@ -243,6 +246,36 @@ private Q_SLOTS:
             if (i % 2 == 0)
                 QTest::qWait(0);
         }
+        QCOMPARE(m_manager->getTabSize().value(), 8);
+    }
+
+    void aProcessMayEndWhileItsThreadsCall()
+    {
+        m_service.setAnswer(Answer::value(8));
+        for (int i = 0; i < 5; ++i) {
+            ChildProcess program(QStringLiteral(EXITS_WHILE_CALLING_PROGRAM), {});
+            program.start();
+            QVERIFY(program.waitForFinished());
+            QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(program.exitCode(), 0);
+        }
+    }
+
+    void aForkedProcessHasNoConnection()
+    {
+        m_service.setAnswer(Answer::value(8));
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(5); // rather than wait for ever
+            PendingReply<int> reply = m_manager->getTabSize();
+            reply.waitForFinished();
+            _exit(reply.error().type() == QDBusError::Disconnected ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
+        int status = 0;
+        QVERIFY(QTest::qWaitFor(
+            [child, &status] { return waitpid(child, &status, WNOHANG) == child; }, 10000));
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), EXIT_SUCCESS);
         QCOMPARE(m_manager->getTabSize().value(), 8);
     }
 
