@@ -7,9 +7,13 @@
 #include "common/Utf8.h"
 #include "documentation/Documentation.h"
 #include "library/Catalogue.h"
+#include "library/Session.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QCoreApplication>
+
+#include <cstdio>
+#include <cstdlib>
 
 namespace tool {
 
@@ -45,7 +49,7 @@ ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output
         output.text(line.command ? commandHelp(*line.command) : programHelp(commands));
         return ExitStatus::Done;
     }
-    return line.command->run({line.arguments, line.options, line.collection, output, catalogue});
+    return line.command->run({line.arguments, line.options, line.session, output, catalogue});
 }
 
 /// What a full disk has swallowed must not pass for done.
@@ -74,12 +78,18 @@ int runProgram(const QVector<QByteArray> &arguments)
     output = Output(line.output);
     if (!line.busAddress.isEmpty())
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", line.busAddress.toUtf8());
+    ExitStatus status = ExitStatus::Done;
     try {
-        return int(flushed(run(line, commands, output), output));
+        status = flushed(run(line, commands, output), output);
     } catch (const Failure &failure) {
         output.failure(failure);
-        return int(failure.status());
+        status = failure.status();
     }
+    if (Session::hasAbandonedCall()) {
+        std::fflush(nullptr);
+        std::quick_exit(int(status));
+    }
+    return int(status);
 }
 
 } // namespace tool

@@ -9,6 +9,8 @@
 #include <QtCore/QJsonObject>
 #include <QtTest/QTest>
 
+#include <csignal>
+
 namespace {
 
 const QByteArray hasLeft =
@@ -75,6 +77,12 @@ class TestToolFailures : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        m_shell.run(QStringLiteral("echo '{\"format\": \"embosserctl configuration 1\", "
+                                   "\"settings\": {\"AlignLow\": 1, \"TabSize\": 2}}' > two.json"));
+    }
+
     void cleanup() { m_service.kill(); }
 
     void saysInOneLineThatItIsNotPermitted_data() { addCommands(); }
@@ -82,8 +90,6 @@ private Q_SLOTS:
     void saysInOneLineThatItIsNotPermitted()
     {
         QFETCH(QString, command);
-        m_shell.run(QStringLiteral("echo '{\"format\": \"embosserctl configuration 1\", "
-                                   "\"settings\": {\"AlignLow\": 1, \"TabSize\": 2}}' > two.json"));
         const Outcome outcome = run(command, m_denyingBus.address());
         QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.output, QByteArray());
@@ -105,8 +111,6 @@ private Q_SLOTS:
         QFETCH(QString, command);
         m_service.start();
         m_service.setAnswer(Answer::exit());
-        m_shell.run(QStringLiteral("echo '{\"format\": \"embosserctl configuration 1\", "
-                                   "\"settings\": {\"AlignLow\": 1, \"TabSize\": 2}}' > two.json"));
         const Outcome outcome = run(command);
         QCOMPARE(outcome.status, 3);
         QCOMPARE(outcome.errors, hasLeft);
@@ -119,6 +123,83 @@ private Q_SLOTS:
         QCOMPARE(document(json)[QStringLiteral("error")],
                  QJsonValue(error("absent", "not connected: the configuration service has left the "
                                             "system bus")));
+    }
+
+    void saysThatThereIsNoAnswerInTime_data() { addCommands(); }
+
+    void saysThatThereIsNoAnswerInTime()
+    {
+        QFETCH(QString, command);
+        m_service.start();
+        m_service.setAnswer(Answer::silence());
+        const Outcome outcome = run(command + QStringLiteral(" --timeout 0.2"));
+        QCOMPARE(outcome.status, 4);
+        QCOMPARE(
+            outcome.errors,
+            QByteArray("embosserctl: the configuration service has not answered within 0.2 s\n"));
+        const Outcome json = run(command + QStringLiteral(" --json --timeout 0.2"));
+        QCOMPARE(json.status, 4);
+        QCOMPARE(document(json)[QStringLiteral("error")],
+                 QJsonValue(
+                     error("noAnswer", "the configuration service has not answered within 0.2 s")));
+    }
+
+    void asksNoMoreAfterATimeOut()
+    {
+        m_service.start();
+        m_service.setAnswer(Answer::silence());
+        QCOMPARE(run(QStringLiteral("get TabSize AlignLow Baudrate --timeout 0.2")).status, 4);
+        QCOMPARE(m_service.takeCalls().size(), 1);
+    }
+
+    void waitsAsLongAsItIsTold()
+    {
+        m_service.start();
+        Answer late = Answer::value(4);
+        late.delayInMilliseconds = 1000;
+        m_service.setAnswer(late);
+        QCOMPARE(run(QStringLiteral("get TabSize")).output, QByteArray("4\n"));
+        QCOMPARE(run(QStringLiteral("get TabSize --timeout 0")).output, QByteArray("4\n"));
+        QCOMPARE(run(QStringLiteral("get TabSize --timeout 60")).output, QByteArray("4\n"));
+        QCOMPARE(run(QStringLiteral("get TabSize --timeout 0.1")).status, 4);
+    }
+
+    void isToldATimeThatIsANumber_data()
+    {
+        QTest::addColumn<QString>("time");
+        for (const char *time : {"soon", "-1", "nan", "inf", "86401", "''"})
+            QTest::newRow(time) << QString::fromLatin1(time);
+    }
+
+    void isToldATimeThatIsANumber()
+    {
+        QFETCH(QString, time);
+        const Outcome outcome = run(QStringLiteral("get TabSize --timeout=") + time);
+        QCOMPARE(outcome.status, 2);
+        QVERIFY(outcome.errors.contains("is not a number of seconds from 0 to 86400"));
+    }
+
+    void endsAtOnceWhenItIsToldTo_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::newRow("dump") << QStringLiteral("dump");
+        QTest::newRow("restore") << QStringLiteral("restore two.json");
+        QTest::newRow("get") << QStringLiteral("get TabSize");
+    }
+
+    void endsAtOnceWhenItIsToldTo()
+    {
+        QFETCH(QString, command);
+        m_service.start();
+        m_service.setAnswer(Answer::silence());
+        for (const char *const signal : {"TERM", "INT"}) {
+            // timeout(1) kills it, with another status, if it does not end.
+            const Outcome outcome = m_shell.run(
+                QStringLiteral("timeout --kill-after=10 --signal=%1 --preserve-status 1 "
+                               "embosserctl --timeout 0 %2")
+                    .arg(QLatin1String(signal), command));
+            QCOMPARE(outcome.status, qstrcmp(signal, "TERM") == 0 ? 128 + SIGTERM : 128 + SIGINT);
+        }
     }
 
     void saysWhatTheServiceHasRefused_data()

@@ -4,6 +4,7 @@
 #define TOOL_COMMANDLINE_COMMAND_H
 
 #include "common/Failure.h"
+#include "library/Session.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QString>
@@ -11,7 +12,6 @@
 #include <QtCore/QVector>
 
 #include <limits>
-#include <optional>
 
 namespace tool {
 
@@ -48,7 +48,7 @@ struct Request
     QStringList arguments;
     /// The options given, with their values.
     QHash<QString, QStringList> options;
-    std::optional<QString> collection;
+    SessionOptions session;
     Output &output;
     const Catalogue &catalogue;
 

@@ -8,6 +8,8 @@
 
 #include <QtCore/QUrl>
 
+#include <cmath>
+
 namespace tool {
 
 namespace {
@@ -18,6 +20,7 @@ const QString quietOption = QStringLiteral("quiet");
 const QString noColorOption = QStringLiteral("no-color");
 const QString addressOption = QStringLiteral("address");
 const QString hostOption = QStringLiteral("host");
+const QString timeoutOption = QStringLiteral("timeout");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
 const QString generateOption = QStringLiteral("generate");
@@ -80,6 +83,19 @@ QString addressOfHost(const QString &host)
         .arg(escaped);
 }
 
+std::chrono::milliseconds timeoutFrom(const QString &seconds)
+{
+    constexpr double most = 86400;
+    bool isNumber = false;
+    const double number = seconds.toDouble(&isNumber);
+    if (!isNumber || !(number >= 0 && number <= most)) {
+        throwUsage(
+            QStringLiteral("'%1' is not a number of seconds from 0 to %2").arg(seconds).arg(most));
+    }
+    // Not 0, which would be another thing.
+    return std::chrono::milliseconds(qint64(std::ceil(number * 1000)));
+}
+
 /// What the build needs, and no user.
 const QVector<Option> &hiddenOptions()
 {
@@ -102,6 +118,9 @@ const QVector<Option> &commonOptions()
         {hostOption, QStringLiteral("HOST"),
          QStringLiteral("use the system bus of another machine by ssh: user@machine"), false,
          QLatin1Char('H')},
+        {timeoutOption, QStringLiteral("SECONDS"),
+         QStringLiteral("give up when the service has not answered for so long, 5 if not given; 0 "
+                        "for the time-out of the bus")},
         {noColorOption, {}, QStringLiteral("do not colour the output")},
         {helpOption,
          {},
@@ -133,13 +152,15 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
     line.output.quiet = given.options.contains(quietOption);
     line.output.color = !given.options.contains(noColorOption);
     if (given.options.contains(collectionOption))
-        line.collection = given.options.value(collectionOption).last();
+        line.session.collection = given.options.value(collectionOption).last();
     if (given.options.contains(addressOption) && given.options.contains(hostOption))
         throwUsage(QStringLiteral("--address and --host exclude each other"));
     if (given.options.contains(addressOption))
         line.busAddress = given.options.value(addressOption).last();
     if (given.options.contains(hostOption))
         line.busAddress = addressOfHost(given.options.value(hostOption).last());
+    if (given.options.contains(timeoutOption))
+        line.session.timeout = timeoutFrom(given.options.value(timeoutOption).last());
     line.options = given.options;
     line.arguments = given.positional;
 

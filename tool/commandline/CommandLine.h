@@ -11,8 +11,6 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
-#include <optional>
-
 namespace tool {
 
 /// The options that every command takes.
@@ -32,7 +30,7 @@ struct CommandLine
     const Command *command = nullptr;
     QStringList arguments;
     QHash<QString, QStringList> options;
-    std::optional<QString> collection;
+    SessionOptions session;
     /// Empty for the system bus as the environment has it.
     QString busAddress;
     OutputOptions output;

@@ -54,7 +54,7 @@ ExitStatus runCall(const Request &request)
         operationFor(request.catalogue, request.arguments[0], texts.size());
     const QVariantList arguments = argumentsFor(operation, texts);
 
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     const Reply reply = session.call(operation, arguments);
     if (reply.error) {

@@ -22,10 +22,11 @@ const QString collectionPrefix = QStringLiteral("collection:");
 Configuration configurationOf(const QString &source, const Request &request)
 {
     if (source == live)
-        return readConfiguration(request.catalogue, request.output, request.collection);
-    if (source.startsWith(collectionPrefix))
+        return readConfiguration(request.catalogue, request.output, request.session);
+    if (source.startsWith(collectionPrefix)) {
         return readConfiguration(request.catalogue, request.output,
-                                 source.mid(collectionPrefix.size()));
+                                 {source.mid(collectionPrefix.size()), request.session.timeout});
+    }
     return configurationFromFile(source, request.catalogue);
 }
 

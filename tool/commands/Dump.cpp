@@ -12,7 +12,7 @@ namespace {
 ExitStatus runDump(const Request &request)
 {
     const Configuration configuration =
-        readConfiguration(request.catalogue, request.output, request.collection);
+        readConfiguration(request.catalogue, request.output, request.session);
     request.output.json(configurationToJson(configuration, request.catalogue));
     return configuration.status;
 }

@@ -39,7 +39,7 @@ ExitStatus runGet(const Request &request)
         settings += settingsMeant(name, request.catalogue);
     const bool isOneNamed = request.arguments.size() == 1 && !isWildcard(request.arguments[0]);
 
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     ExitStatus status = ExitStatus::Done;
     QJsonObject values;

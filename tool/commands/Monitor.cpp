@@ -37,7 +37,7 @@ void printState(Output &output, bool isConnected)
 ExitStatus runMonitor(const Request &request)
 {
     const support::TerminationSignals termination;
-    Session session(request.collection);
+    Session session(request.session);
     session.requireBus();
     // Without the bus, nothing would ever come any more.
     QDBusConnection::systemBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),

@@ -33,7 +33,7 @@ QString currentPaper(Session &session, const Catalogue &catalogue)
 
 ExitStatus runPaper(const Request &request)
 {
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     const QString paper = request.arguments.isEmpty() ? currentPaper(session, request.catalogue)
                                                       : request.arguments[0];

@@ -49,7 +49,7 @@ QJsonValue reportOf(Session &session, const Catalogue &catalogue, const QString 
 
 ExitStatus runReport(const Request &request)
 {
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     const QJsonValue embosser =
         reportOf(session, request.catalogue, QStringLiteral("embosserInfoCmd"));

@@ -2,12 +2,12 @@
 
 #include "commands/Commands.h"
 
+#include "common/DeferredSignals.h"
 #include "common/JsonText.h"
 #include "configuration/Restoration.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
 #include "library/Value.h"
-#include "terminal/DeferredSignals.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
@@ -173,7 +173,7 @@ ExitStatus runRestore(const Request &request)
     const QStringList leftOut = request.hasOption(identityOption)
                                     ? QStringList()
                                     : withoutIdentity(&configuration, request.catalogue);
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     requireSameType(configuration, request, &session);
     if (!leftOut.isEmpty()) {

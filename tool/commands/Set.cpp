@@ -62,7 +62,7 @@ ExitStatus setTogether(const Request &request)
         given.append({&setting, argument.mid(equals + 1)});
         checkText(given.last().second, setting, request.catalogue);
     }
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     QVariantMap sequence;
     for (const auto &[setting, text] : qAsConst(given)) {
@@ -107,7 +107,7 @@ ExitStatus runSet(const Request &request)
     else if (!setting.isSecret)
         throw Failure(ExitStatus::Usage, QStringLiteral("%1: no value given").arg(setting.name));
 
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     // Nobody is asked for a secret that could not be written.
     const QString text = isGiven ? request.arguments[1] : readSecret(setting.name);

@@ -2,12 +2,12 @@
 
 #include "commands/Commands.h"
 
+#include "common/DeferredSignals.h"
 #include "common/JsonText.h"
 #include "library/Choices.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
 #include "library/Value.h"
-#include "terminal/DeferredSignals.h"
 #include "terminal/Output.h"
 #include "terminal/ProgressBar.h"
 
@@ -63,7 +63,7 @@ ExitStatus runSettings(const Request &request)
 {
     const QVector<const Setting *> settings =
         settingsLike(request.catalogue, request.arguments.value(0));
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     QJsonArray descriptions;
     QVector<QStringList> rows;

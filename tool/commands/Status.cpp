@@ -51,7 +51,7 @@ bool isCapability(const Operation &operation)
 class Questions
 {
 public:
-    explicit Questions(const Request &request) : m_request(request), m_session(request.collection)
+    explicit Questions(const Request &request) : m_request(request), m_session(request.session)
     {
         m_session.requireConnection();
     }

@@ -21,7 +21,7 @@ ExitStatus runValues(const Request &request)
     const Operation &operation = operationFor(request.catalogue, valueListOperation, 1);
     const QVariant row = argumentFromText(request.arguments[0], operation.parameters[0].type);
 
-    Session session(request.collection);
+    Session session(request.session);
     session.requireConnection();
     const Reply reply = session.call(operation, {row});
     if (reply.error)

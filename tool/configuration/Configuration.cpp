@@ -2,6 +2,7 @@
 
 #include "configuration/Configuration.h"
 
+#include "common/DeferredSignals.h"
 #include "common/Failure.h"
 #include "common/JsonText.h"
 #include "library/Catalogue.h"
@@ -9,7 +10,6 @@
 #include "library/Secret.h"
 #include "library/Session.h"
 #include "library/Value.h"
-#include "terminal/DeferredSignals.h"
 #include "terminal/Output.h"
 #include "terminal/ProgressBar.h"
 
@@ -118,9 +118,9 @@ QStringList secretSettings(const Catalogue &catalogue)
 }
 
 Configuration readConfiguration(const Catalogue &catalogue, const Output &output,
-                                const std::optional<QString> &collection)
+                                const SessionOptions &options)
 {
-    Session session(collection);
+    Session session(options);
     session.requireConnection();
     Configuration configuration;
     QStringList failures;

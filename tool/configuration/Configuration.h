@@ -4,6 +4,7 @@
 #define TOOL_CONFIGURATION_CONFIGURATION_H
 
 #include "common/Failure.h"
+#include "library/Session.h"
 
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
@@ -34,7 +35,7 @@ struct Configuration
 
 /// Asks the service, with a progress bar, and reports on standard error what it does not answer.
 Configuration readConfiguration(const Catalogue &catalogue, const Output &output,
-                                const std::optional<QString> &collection);
+                                const SessionOptions &options);
 
 /// The settings that a configuration leaves out because they are secret.
 QStringList secretSettings(const Catalogue &catalogue);

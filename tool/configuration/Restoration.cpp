@@ -2,11 +2,11 @@
 
 #include "configuration/Restoration.h"
 
+#include "common/DeferredSignals.h"
 #include "common/Failure.h"
 #include "common/JsonText.h"
 #include "library/Lookup.h"
 #include "library/Value.h"
-#include "terminal/DeferredSignals.h"
 #include "terminal/ProgressBar.h"
 
 #include <QtCore/QList>

@@ -2,6 +2,7 @@
 
 #include "library/Session.h"
 
+#include "common/DeferredSignals.h"
 #include "common/Failure.h"
 #include "library/Secret.h"
 
@@ -15,6 +16,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <thread>
 
 namespace tool {
 
@@ -23,7 +26,7 @@ using libconfigurationmanager::detail::ConfigurationManager;
 namespace {
 
 const QString serviceName = QStringLiteral("com.tavelornbraille.ConfigurationManager");
-const int pingMilliseconds = 5000;
+constexpr std::chrono::milliseconds pingTimeout{5000};
 
 /// The address that Qt takes for the system bus.
 QString busAddress()
@@ -105,12 +108,14 @@ QString withoutTexts(QString message, QStringList texts)
 
 } // namespace
 
-Session::Session(const std::optional<QString> &collection)
+bool Session::s_hasAbandonedCall = false;
+
+Session::Session(const SessionOptions &options) : m_timeout(options.timeout)
 {
     // The meta-object knows the list by this name, the library registers it by another.
     qRegisterMetaType<ConfigurationList>("ConfigurationList");
-    if (collection)
-        setCollection(*collection);
+    if (options.collection)
+        setCollection(*options.collection);
     QObject::connect(&m_library, &ConfigurationManager::disconnected, [this] { m_hasLeft = true; });
 }
 
@@ -135,7 +140,8 @@ void Session::requireService() const
                                                        QStringLiteral("org.freedesktop.DBus.Peer"),
                                                        QStringLiteral("Ping"));
     ping.setAutoStartService(false);
-    QDBusPendingCall answer = QDBusConnection::systemBus().asyncCall(ping, pingMilliseconds);
+    QDBusPendingCall answer = QDBusConnection::systemBus().asyncCall(
+        ping, int((m_timeout.count() > 0 ? m_timeout : pingTimeout).count()));
     answer.waitForFinished();
     // The library learns from the event loop that the service has left.
     QCoreApplication::processEvents();
@@ -160,13 +166,36 @@ void Session::requireService() const
     }
 }
 
+QVariant Session::resultOf(std::future<QVariant> call) const
+{
+    using std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds untilSignalIsSeen{50};
+    const auto begin = steady_clock::now();
+    while (call.wait_for(untilSignalIsSeen) != std::future_status::ready) {
+        s_hasAbandonedCall = true;
+        DeferredSignals::throwIfCome();
+        if (m_timeout.count() > 0 && steady_clock::now() - begin > m_timeout) {
+            throw Failure(ExitStatus::NoAnswer,
+                          QStringLiteral("the configuration service has not answered within %1 s")
+                              .arg(double(m_timeout.count()) / 1000));
+        }
+        s_hasAbandonedCall = false;
+    }
+    return call.get();
+}
+
 Reply Session::call(const Operation &operation, const QVariantList &arguments)
 {
     // The library learns from the event loop that the service has left.
     QCoreApplication::processEvents();
     m_hasLeft = false;
+    auto call = std::make_shared<std::promise<QVariant>>();
+    std::thread([call, library = &m_library, method = operation.form(arguments.size()),
+                 resultType = operation.result, arguments] {
+        call->set_value(invoke(library, method, resultType, arguments));
+    }).detach();
     Reply reply;
-    reply.value = invoke(&m_library, operation.form(arguments.size()), operation.result, arguments);
+    reply.value = resultOf(call->get_future());
     if (const auto failure = m_log.takeFailure()) {
         if (failure->notConnected)
             throwHasLeft();

@@ -11,6 +11,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
+#include <chrono>
+#include <future>
 #include <optional>
 
 namespace tool {
@@ -22,12 +24,20 @@ struct Reply
     std::optional<QString> error;
 };
 
+/// What a session works on, and how long it waits.
+struct SessionOptions
+{
+    /// Without one, the library's own is used.
+    std::optional<QString> collection;
+    /// For each answer; 0 for the bus's own time-out.
+    std::chrono::milliseconds timeout{5000};
+};
+
 /// The library, with its operations called by way of its meta-object.
 class Session
 {
 public:
-    /// Without a collection id, the library's own is used.
-    explicit Session(const std::optional<QString> &collection);
+    explicit Session(const SessionOptions &options);
 
     libconfigurationmanager::detail::ConfigurationManager &library() { return m_library; }
 
@@ -40,10 +50,17 @@ public:
     /// Calls the operation with as many of its arguments as are given.
     ///
     /// Throws a Failure when nothing more is to be had from the service: it has gone, does not
-    /// answer, or may not be talked to.
+    /// answer in time, or may not be talked to; and when a deferred signal comes meanwhile.
     Reply call(const Operation &operation, const QVariantList &arguments = {});
 
+    /// Whether a call has not been waited for until its end. The library would have the process
+    /// wait for it when it ends in the usual way.
+    static bool hasAbandonedCall() { return s_hasAbandonedCall; }
+
 private:
+    /// Waits for the call, which goes on when this throws.
+    QVariant resultOf(std::future<QVariant> call) const;
+
     /// Throws a Failure unless a call that has failed was refused by a service that is there. The
     /// library tells only what the message of the error was.
     void requireService() const;
@@ -52,6 +69,8 @@ private:
     libconfigurationmanager::detail::ConfigurationManager m_library;
     /// Whether the service has left since the last call was begun.
     bool m_hasLeft = false;
+    const std::chrono::milliseconds m_timeout;
+    static bool s_hasAbandonedCall;
 };
 
 } // namespace tool

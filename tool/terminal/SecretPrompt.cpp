@@ -2,9 +2,9 @@
 
 #include "terminal/SecretPrompt.h"
 
+#include "common/DeferredSignals.h"
 #include "common/Failure.h"
 #include "common/Utf8.h"
-#include "terminal/DeferredSignals.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTextStream>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "terminal/DeferredSignals.h"
+#include "common/DeferredSignals.h"
 
 #include "common/Failure.h"
 
