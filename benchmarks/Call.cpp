@@ -108,6 +108,7 @@ Call makeCall(const char *method, const QVariantList &arguments, const QVariantL
 Call sized(int size, Call call)
 {
     call.name += ':' + std::to_string(size);
+    call.entries = size;
     return call;
 }
 

@@ -26,6 +26,7 @@ using Argument = std::variant<int32_t, bool, double, std::string, std::map<std::
 struct Call
 {
     std::string name;
+    int entries = 0; // of the map or list that it sends or gets
 
     QString method;
     QVariantList qtArguments;

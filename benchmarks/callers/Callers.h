@@ -14,6 +14,7 @@ using Caller = std::function<bool(const Call &)>;
 Caller connectLibrary();
 Caller connectLibraryByName();
 Caller connectQDBusConnection();
+Caller connectQDBusConnectionWithKeptMessages();
 Caller connectQDBusAbstractInterface();
 Caller connectQDBusInterface();
 Caller connectGeneratedProxy();

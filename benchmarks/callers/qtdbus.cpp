@@ -9,6 +9,7 @@
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusInterface>
 
+#include <map>
 #include <memory>
 
 using libconfigurationmanager::detail::ConfigurationManager;
@@ -24,6 +25,11 @@ QVariantList argumentsOf(const Call &call)
     QVariantList arguments = call.qtArguments;
     arguments.detach();
     return arguments;
+}
+
+QDBusMessage messageOf(const Call &call)
+{
+    return QDBusMessage::createMethodCall(serviceName, root, serviceName, call.method);
 }
 
 QGenericArgument parameter(const Call &call, int index)
@@ -70,10 +76,21 @@ Caller connectLibraryByName()
 Caller connectQDBusConnection()
 {
     return [bus = QDBusConnection::systemBus()](const Call &call) {
-        QDBusMessage message =
-            QDBusMessage::createMethodCall(serviceName, root, serviceName, call.method);
+        QDBusMessage message = messageOf(call);
         message.setArguments(argumentsOf(call));
         return call.readReply(bus.call(message));
+    };
+}
+
+Caller connectQDBusConnectionWithKeptMessages()
+{
+    return [bus = QDBusConnection::systemBus(),
+            messages = std::map<const Call *, QDBusMessage>()](const Call &call) mutable {
+        auto kept = messages.find(&call);
+        if (kept == messages.end())
+            kept = messages.emplace(&call, messageOf(call)).first;
+        kept->second.setArguments(argumentsOf(call));
+        return call.readReply(bus.call(kept->second));
     };
 }
 
