@@ -156,7 +156,7 @@ private Q_SLOTS:
     {
         const CommandLine line = parseCommandLine(
             words("embosserctl --collection one get A --collection two"), commands());
-        QCOMPARE(line.collection, std::optional(QStringLiteral("two")));
+        QCOMPARE(line.session.collection, std::optional(QStringLiteral("two")));
         QCOMPARE(line.command->name, QStringLiteral("get"));
         QCOMPARE(line.arguments, QStringList{QStringLiteral("A")});
     }
@@ -167,10 +167,10 @@ private Q_SLOTS:
         QVERIFY(!plain.output.json);
         QVERIFY(!plain.output.quiet);
         QVERIFY(plain.output.color);
-        QVERIFY(!plain.collection);
+        QVERIFY(!plain.session.collection);
         const CommandLine other =
             parseCommandLine(words("embosserctl get A -j -q --no-color -c one"), commands());
-        QCOMPARE(other.collection, std::optional(QStringLiteral("one")));
+        QCOMPARE(other.session.collection, std::optional(QStringLiteral("one")));
         QVERIFY(other.output.json);
         QVERIFY(other.output.quiet);
         QVERIFY(!other.output.color);

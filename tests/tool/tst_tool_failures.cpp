@@ -5,11 +5,13 @@
 #include "Shell.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtTest/QTest>
 
 #include <csignal>
+#include <future>
 
 namespace {
 
@@ -162,6 +164,44 @@ private Q_SLOTS:
         QCOMPARE(run(QStringLiteral("get TabSize --timeout 0")).output, QByteArray("4\n"));
         QCOMPARE(run(QStringLiteral("get TabSize --timeout 60")).output, QByteArray("4\n"));
         QCOMPARE(run(QStringLiteral("get TabSize --timeout 0.1")).status, 4);
+    }
+
+    void waitsUntilTheServiceComes()
+    {
+        QCOMPARE(run(QStringLiteral("wait --for 0.1")).status, 3);
+        QCOMPARE(run(QStringLiteral("wait --start")).status, 3);
+        auto waiting = std::async(std::launch::async,
+                                  [this] { return run(QStringLiteral("wait --for 60")).status; });
+        m_service.start();
+        QCOMPARE(waiting.get(), 0);
+    }
+
+    void watchesUntilTheServiceLeaves()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getTabSize"), Answer::value(4));
+        const auto bothAreReadTwice = [this] {
+            int calls = 0;
+            return QTest::qWaitFor([&] { return (calls += m_service.takeCalls().size()) > 4; });
+        };
+        auto watching = std::async(std::launch::async, [this] {
+            return run(QStringLiteral("watch TabSize AlignLow --every 0.01 --json"));
+        });
+        QVERIFY(bothAreReadTwice());
+        m_service.setAnswer(QStringLiteral("getTabSize"), Answer::value(7));
+        QVERIFY(bothAreReadTwice());
+        m_service.kill();
+        const Outcome outcome = watching.get();
+        QCOMPARE(outcome.status, 3);
+        QJsonArray seen;
+        for (const QByteArray &line : outcome.output.split('\n')) {
+            const QJsonObject object = QJsonDocument::fromJson(line).object();
+            if (object.value(QStringLiteral("name")) == QStringLiteral("TabSize"))
+                seen.append(object.value(QStringLiteral("value")));
+        }
+        QCOMPARE(seen, (QJsonArray{4, 7}));
+        QVERIFY(outcome.output.contains("unexpected reply") ||
+                outcome.output.contains("Unexpected reply"));
     }
 
     void isToldATimeThatIsANumber_data()

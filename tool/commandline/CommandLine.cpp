@@ -3,12 +3,11 @@
 #include "commandline/CommandLine.h"
 
 #include "commandline/Arguments.h"
+#include "commandline/Seconds.h"
 #include "common/Failure.h"
 #include "common/Suggestion.h"
 
 #include <QtCore/QUrl>
-
-#include <cmath>
 
 namespace tool {
 
@@ -83,19 +82,6 @@ QString addressOfHost(const QString &host)
         .arg(escaped);
 }
 
-std::chrono::milliseconds timeoutFrom(const QString &seconds)
-{
-    constexpr double most = 86400;
-    bool isNumber = false;
-    const double number = seconds.toDouble(&isNumber);
-    if (!isNumber || !(number >= 0 && number <= most)) {
-        throwUsage(
-            QStringLiteral("'%1' is not a number of seconds from 0 to %2").arg(seconds).arg(most));
-    }
-    // Not 0, which would be another thing.
-    return std::chrono::milliseconds(qint64(std::ceil(number * 1000)));
-}
-
 /// What the build needs, and no user.
 const QVector<Option> &hiddenOptions()
 {
@@ -160,7 +146,7 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
     if (given.options.contains(hostOption))
         line.busAddress = addressOfHost(given.options.value(hostOption).last());
     if (given.options.contains(timeoutOption))
-        line.session.timeout = timeoutFrom(given.options.value(timeoutOption).last());
+        line.session.timeout = secondsFrom(given.options.value(timeoutOption).last());
     line.options = given.options;
     line.arguments = given.positional;
 

@@ -23,13 +23,16 @@ Command dumpCommand();
 Command diffCommand();
 Command restoreCommand();
 Command monitorCommand();
+Command watchCommand();
+Command waitCommand();
 
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(),   listCommand(), describeCommand(), getCommand(),    setCommand(),
-            settingsCommand(), callCommand(), valuesCommand(),   paperCommand(),  reportCommand(),
-            dumpCommand(),     diffCommand(), restoreCommand(),  monitorCommand()};
+    return {statusCommand(),  listCommand(),     describeCommand(), getCommand(),
+            setCommand(),     settingsCommand(), callCommand(),     valuesCommand(),
+            paperCommand(),   reportCommand(),   dumpCommand(),     diffCommand(),
+            restoreCommand(), monitorCommand(),  watchCommand(),    waitCommand()};
 }
 
 } // namespace tool

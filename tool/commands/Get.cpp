@@ -14,29 +14,11 @@ namespace tool {
 
 namespace {
 
-/// The setting of that name, or those that match it, but for secrets, which are shown only to
-/// whoever asks for them.
-QVector<const Setting *> settingsMeant(const QString &name, const Catalogue &catalogue)
-{
-    if (!isWildcard(name))
-        return {&readableSetting(catalogue, name)};
-    QVector<const Setting *> settings;
-    for (const Setting *setting : settingsLike(catalogue, name)) {
-        if (!setting->isSecret)
-            settings.append(setting);
-    }
-    if (settings.isEmpty()) {
-        throw Failure(ExitStatus::Usage,
-                      QStringLiteral("no readable setting matches '%1'").arg(name));
-    }
-    return settings;
-}
-
 ExitStatus runGet(const Request &request)
 {
     QVector<const Setting *> settings;
     for (const QString &name : request.arguments)
-        settings += settingsMeant(name, request.catalogue);
+        settings += settingsMeant(request.catalogue, name);
     const bool isOneNamed = request.arguments.size() == 1 && !isWildcard(request.arguments[0]);
 
     Session session(request.session);

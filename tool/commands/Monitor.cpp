@@ -2,13 +2,13 @@
 
 #include "commands/Commands.h"
 
+#include "common/Time.h"
 #include "library/Session.h"
 #include "terminal/Output.h"
 
 #include <support/TerminationSignals.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDateTime>
 #include <QtCore/QJsonObject>
 #include <QtDBus/QDBusConnection>
 
@@ -20,9 +20,7 @@ namespace {
 
 void printState(Output &output, bool isConnected)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    // Without this, the text would not tell the offset.
-    const QString time = now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODateWithMs);
+    const QString time = timeNow();
     if (output.isJson()) {
         output.jsonLine(QJsonObject{{QStringLiteral("time"), time},
                                     {QStringLiteral("connected"), isConnected}});

@@ -103,4 +103,20 @@ const Operation &operationFor(const Catalogue &catalogue, const QString &name, i
                       .arg(QString::number(arguments), forms.join(QStringLiteral(" or "))));
 }
 
+QVector<const Setting *> settingsMeant(const Catalogue &catalogue, const QString &name)
+{
+    if (!isWildcard(name))
+        return {&readableSetting(catalogue, name)};
+    QVector<const Setting *> settings;
+    for (const Setting *setting : settingsLike(catalogue, name)) {
+        if (!setting->isSecret)
+            settings.append(setting);
+    }
+    if (settings.isEmpty()) {
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("no readable setting matches '%1'").arg(name));
+    }
+    return settings;
+}
+
 } // namespace tool

@@ -23,6 +23,10 @@ bool matchesWildcard(const QString &name, const QString &wildcard);
 /// The readable settings whose name matches a wildcard, or whose name or meaning contains a text.
 QVector<const Setting *> settingsLike(const Catalogue &catalogue, const QString &pattern);
 
+/// The setting of that name, or those that match it, but for secrets, which are shown only to
+/// whoever asks for them.
+QVector<const Setting *> settingsMeant(const Catalogue &catalogue, const QString &name);
+
 /// The operations of a name or a signature.
 QVector<const Operation *> operationsCalled(const Catalogue &catalogue, const QString &name);
 

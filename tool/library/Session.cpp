@@ -134,6 +134,22 @@ void Session::requireConnection() const
         throwNotConnected(QStringLiteral("the configuration service is not on the system bus"));
 }
 
+void Session::startService() const
+{
+    QDBusMessage start = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
+    start << serviceName << uint(0);
+    QDBusPendingCall answer = QDBusConnection::systemBus().asyncCall(start);
+    answer.waitForFinished();
+    if (answer.isError()) {
+        throwNotConnected(QStringLiteral("the bus does not start the configuration service: %1")
+                              .arg(answer.error().message()));
+    }
+    // The library learns from the event loop that the service has come.
+    QCoreApplication::processEvents();
+}
+
 void Session::requireService() const
 {
     QDBusMessage ping = QDBusMessage::createMethodCall(serviceName, QStringLiteral("/"),

@@ -45,6 +45,10 @@ public:
     void requireBus() const;
     void requireConnection() const;
 
+    /// Has the bus start the service, and waits until it is there. Throws a Failure that says why
+    /// the bus does not.
+    void startService() const;
+
     void setCollection(const QString &id) { m_library.setCatalogsCollectionId(id); }
 
     /// Calls the operation with as many of its arguments as are given.
