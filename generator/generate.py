@@ -63,6 +63,7 @@ def outputs(table):
         yield path, "\n".join([f"// {GENERATED}", "// SPDX-License-Identifier: MIT", "",
                                *write(table), ""])
     yield f"interface/{INTERFACE}.xml", "\n".join(introspection(table)) + "\n"
+    yield "docs/protocol.md", "\n".join(protocol(table)) + "\n"
 
 
 def with_region(path, region):
@@ -345,6 +346,60 @@ def annotations(operation):
             yield f"{INTERFACE}.Enumeration.{place}", enumeration
         if signature in QT_TYPE_NAMES:
             yield f"org.qtproject.QtDBus.QtTypeName.{place}", QT_TYPE_NAMES[signature]
+
+
+def protocol(table):
+    """What goes over the bus, for whoever writes a service or talks to one without the library."""
+    yield f"<!-- {GENERATED} -->"
+    yield "<!-- SPDX-License-Identifier: MIT -->"
+    yield "# The protocol"
+    yield ""
+    yield from textwrap.wrap(
+        f"The configuration service owns the name `{INTERFACE}` on the system bus and has one object, "
+        "`/`, with the interface of the same name. Each of its methods answers "
+        "with one value or none, or with an error, whose message clients log. There are no signals and "
+        "no properties. The same as introspection XML, with the names of the arguments and what they "
+        f"mean: `interface/{INTERFACE}.xml`.", COLUMNS)
+    yield ""
+    yield from textwrap.wrap(
+        "Types are written as D-Bus signatures. *Collection id* is a text, \"masterCollectionKey\" "
+        "unless an application works on another collection. *Flag* is a bool that the service defines; "
+        "clients that do not care send false. Enumerations travel as their int32, and clients pass on "
+        "what they receive unchecked.", COLUMNS)
+    for family in dict.fromkeys(o.family for o in table.operations):
+        yield ""
+        yield f"## {family}"
+        yield ""
+        yield "| method | arguments | types | result | meaning |"
+        yield "|---|---|---|---|---|"
+        for operation in (o for o in table.operations if o.family == family):
+            arguments = ", ".join("*collection id*" if i.role.name == "collectionId"
+                                  else "*flag*" if i.role.name == "flag" else i.name
+                                  for i in operation.inputs)
+            types = code(operation.signature)
+            result = code(RESULTS[operation.result].signature or "")
+            yield f"| `{operation.remote}` | {arguments} | {types} | {result} | {operation.sentence} |"
+    yield ""
+    yield "## Exceptions"
+    yield ""
+    yield from textwrap.wrap(
+        "An operation of the library has the name of its method, with these exceptions:", COLUMNS)
+    yield ""
+    yield "| operation | method |"
+    yield "|---|---|"
+    for operation in table.operations:
+        if operation.remote != operation.name:
+            yield f"| `{operation.key}` | `{operation.remote}` |"
+    yield ""
+    yield from textwrap.wrap(
+        "Most methods that write take a flag after the collection id; these do not:", COLUMNS)
+    yield ""
+    yield from (f"- {code(o.remote)}" for o in table.operations
+                if o.writes and not o.ends_in_flag)
+
+
+def code(text):
+    return f"`{text}`" if text else ""
 
 
 def enumeration_of_input(operation, argument):

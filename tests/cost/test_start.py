@@ -14,8 +14,8 @@ del sys.argv[1:]
 
 # The loader's work for the two libraries included; of the main thread.
 MOST_INSTRUCTIONS = 1_200_000
-# Anonymous memory, in KiB.
-MOST_MEMORY = 28
+# Anonymous memory, in KiB: the figure is 28, and a page more is not ours.
+MOST_MEMORY = 32
 # Now and then a thread of Qt's takes a page more meanwhile.
 STARTS = 25
 

@@ -22,7 +22,8 @@ PRIVATE_HEADER = "src/ConfigurationManager_p.h"
 PRIVATE = "src/ConfigurationManager_p.cpp"
 SLOTS = "src/Slot.h"
 XML = "interface/com.tavelornbraille.ConfigurationManager.xml"
-OUTPUTS = (HEADER, PRIVATE_HEADER, ASYNC, FACADE, PRIVATE, SLOTS, XML)
+PROTOCOL = "docs/protocol.md"
+OUTPUTS = (HEADER, PRIVATE_HEADER, ASYNC, FACADE, PRIVATE, SLOTS, XML, PROTOCOL)
 TABLE = "interface/operations.table"
 
 
@@ -38,7 +39,7 @@ class Copy(unittest.TestCase):
         directory = tempfile.TemporaryDirectory()
         self.addCleanup(directory.cleanup)
         self.project = pathlib.Path(directory.name)
-        for folder in ("async", "generator", "include", "interface", "src"):
+        for folder in ("async", "docs", "generator", "include", "interface", "src"):
             shutil.copytree(PROJECT / folder, self.project / folder)
 
     def read(self, path):
@@ -334,6 +335,10 @@ bool ConfigurationManagerPrivate::setScale(const QString &unit, int scale, bool 
       <arg name="result" type="b" direction="out"/>
     </method>
 """,
+        PROTOCOL: """
+| `setScaleOf` | unit, scale, *collection id*, *flag* | `sisb` | `b` | Sets the scale & size, in the numbers of lcm::Duplex. |
+| `setScale(QString, int, bool)` | `setScaleOf` |
+""",
     }
 
     def test_adds_to_each_file_what_follows_from_it_and_changes_nothing_else(self):
@@ -359,7 +364,7 @@ class ARewordedRow(Copy):
         for path in (PRIVATE, FACADE, PRIVATE_HEADER):
             after[path] = after[path].replace("level", "value")
         self.assertEqual([path for path in OUTPUTS if after[path] != before[path]],
-                         [HEADER, ASYNC, XML])
+                         [HEADER, ASYNC, XML, PROTOCOL])
         self.assertEqual(facts(after[XML]), facts(before[XML]))
 
 
