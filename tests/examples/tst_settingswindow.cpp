@@ -110,7 +110,8 @@ private Q_SLOTS:
     void itIsGreyWithoutTheService()
     {
         open();
-        QVERIFY(!pages()->isEnabled());
+        // The bus may not have noticed yet that the last service has gone.
+        QTRY_VERIFY(!pages()->isEnabled());
         m_simulator.start();
         QTRY_VERIFY(pages()->isEnabled() && areAllEnabled());
         m_simulator.process().killAndWait();
@@ -149,7 +150,8 @@ private Q_SLOTS:
         QTimer::singleShot(60000, &loop, &QEventLoop::quit);
         QCOMPARE(loop.exec(), 1);
         QVERIFY(beats > 100);
-        QVERIFY2(watch.longest() < std::chrono::milliseconds(100),
+        // One answer that is waited for would take five times as long.
+        QVERIFY2(watch.longest() < std::chrono::milliseconds(1000),
                  qPrintable(QString::number(watch.longest().count())));
     }
 
