@@ -69,7 +69,7 @@ int allocationsOf(void (*how)(const std::function<void()> &), const std::functio
         how(call);
         count = allocations - before;
     }
-    const auto middle = counts.begin() + calls / 2;
+    auto *const middle = counts.begin() + calls / 2;
     std::nth_element(counts.begin(), middle, counts.end());
     return *middle;
 }
