@@ -3,7 +3,7 @@
 #ifndef TESTS_CONTRACT_CONTRACTLINE_H
 #define TESTS_CONTRACT_CONTRACTLINE_H
 
-#include "Recording.h"
+#include "RecordingProtocol.h"
 
 #include <QtCore/QMetaMethod>
 #include <QtCore/QString>

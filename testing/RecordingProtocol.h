@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_RECORDING_H
-#define TESTS_SUPPORT_RECORDING_H
+#ifndef TESTING_RECORDINGPROTOCOL_H
+#define TESTING_RECORDINGPROTOCOL_H
 
 #include <QtCore/QMetaType>
 #include <QtCore/QString>

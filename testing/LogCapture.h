@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_LOGCAPTURE_H
-#define TESTS_SUPPORT_LOGCAPTURE_H
+#ifndef TESTING_LOGCAPTURE_H
+#define TESTING_LOGCAPTURE_H
 
 #include <QtCore/QMutex>
 #include <QtCore/QString>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_CHILDPROCESS_H
-#define TESTS_SUPPORT_CHILDPROCESS_H
+#ifndef TESTING_CHILDPROCESS_H
+#define TESTING_CHILDPROCESS_H
 
 #include <QtCore/QProcess>
 #include <QtCore/QString>

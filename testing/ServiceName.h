@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_SERVICENAME_H
-#define TESTS_SUPPORT_SERVICENAME_H
+#ifndef TESTING_SERVICENAME_H
+#define TESTING_SERVICENAME_H
 
 #include <QtCore/QString>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_LIFE_BUSMONITOR_H
-#define TESTS_LIFE_BUSMONITOR_H
+#ifndef TESTS_LIFECYCLE_BUSMONITOR_H
+#define TESTS_LIFECYCLE_BUSMONITOR_H
 
 #include "ChildProcess.h"
 #include "PrivateBus.h"

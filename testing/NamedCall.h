@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_NAMEDCALL_H
-#define TESTS_SUPPORT_NAMEDCALL_H
+#ifndef TESTING_NAMEDCALL_H
+#define TESTING_NAMEDCALL_H
 
 #include <QtCore/QMetaMethod>
 #include <QtCore/QObject>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_PRIVATEBUS_H
-#define TESTS_SUPPORT_PRIVATEBUS_H
+#ifndef TESTING_PRIVATEBUS_H
+#define TESTING_PRIVATEBUS_H
 
 #include "ChildProcess.h"
 

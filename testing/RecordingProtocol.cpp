@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "Recording.h"
+#include "RecordingProtocol.h"
 
 #include <QtDBus/QDBusMetaType>
 

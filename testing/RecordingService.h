@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_RECORDINGSERVICE_H
-#define TESTS_SUPPORT_RECORDINGSERVICE_H
+#ifndef TESTING_RECORDINGSERVICE_H
+#define TESTING_RECORDINGSERVICE_H
 
 #include "ChildProcess.h"
 #include "PrivateBus.h"
-#include "Recording.h"
+#include "RecordingProtocol.h"
 
 /// A configuration service that accepts every call, records it and answers as a test tells it.
 ///

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_RECORDER_H
-#define TESTS_SUPPORT_RECORDER_H
+#ifndef TESTING_RECORDER_H
+#define TESTING_RECORDER_H
 
-#include "Recording.h"
+#include "RecordingProtocol.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QVector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_SAMPLEVALUES_H
-#define TESTS_SUPPORT_SAMPLEVALUES_H
+#ifndef TESTING_SAMPLEVALUES_H
+#define TESTING_SAMPLEVALUES_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QVariant>
