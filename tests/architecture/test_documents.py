@@ -1,0 +1,55 @@
+# SPDX-License-Identifier: MIT
+"""What the documents name is there: the targets of their links, scripts, tests and folders."""
+
+import pathlib
+import re
+import unittest
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+DOCUMENTS = sorted(path for path in (*PROJECT.glob("*.md"), *PROJECT.glob("*/*.md"))
+                   if "build" not in path.parts)
+
+LINK = re.compile(r"\]\(([^)#\s]+)(?:#[^)]*)?\)")
+SCRIPT = re.compile(r"\bscripts/[a-z][a-z0-9-]*(?:\.\w+)?")
+FOLDER = re.compile(r"^\| `([\w./]+/)`", re.MULTILINE)
+TEST = re.compile(r"`((?:tst|test)_\w+)`")
+
+
+def found_in(pattern, document):
+    return set(pattern.findall(document.read_text(encoding="utf-8")))
+
+
+class Documents(unittest.TestCase):
+    def test_link_to_what_is_there(self):
+        seen = 0
+        for document in DOCUMENTS:
+            for target in found_in(LINK, document):
+                if "://" not in target:
+                    seen += 1
+                    self.assertTrue((document.parent / target).exists(),
+                                    f"{document.relative_to(PROJECT)}: {target}")
+        self.assertGreater(seen, 10)
+
+    def test_name_scripts_that_are_there(self):
+        for document in DOCUMENTS:
+            for script in found_in(SCRIPT, document):
+                self.assertTrue((PROJECT / script).exists(),
+                                f"{document.relative_to(PROJECT)}: {script}")
+
+    def test_name_tests_that_are_there(self):
+        there = {path.stem for path in (PROJECT / "tests").rglob("t*st_*.*")}
+        for document in DOCUMENTS:
+            missing = found_in(TEST, document) - there
+            self.assertEqual(missing, set(), document.relative_to(PROJECT))
+
+    def test_list_every_folder(self):
+        folders = {f"{path.name}/" for path in PROJECT.iterdir()
+                   if path.is_dir() and path.name not in ("build", ".git", "obj-x86_64-linux-gnu",
+                                                          "obj-arm-linux-gnueabihf")}
+        listed = found_in(re.compile(r"^\| (`.*?`) \|", re.MULTILINE), PROJECT / "README.md")
+        listed = {folder for cell in listed for folder in re.findall(r"`([\w.-]+/)`", cell)}
+        self.assertEqual({f for f in folders if not f.startswith(".")} - listed, set())
+
+
+if __name__ == "__main__":
+    unittest.main()
