@@ -204,6 +204,15 @@ private Q_SLOTS:
                 outcome.output.contains("Unexpected reply"));
     }
 
+    void watchesNoMoreWhenNobodyReads()
+    {
+        m_service.start();
+        m_service.setAnswer(QStringLiteral("getTabSize"), Answer::value(4));
+        const Outcome outcome = run(QStringLiteral("watch TabSize --every 3600 | head -n 1"));
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(outcome.output.endsWith("\tTabSize\t4\n"));
+    }
+
     void isToldATimeThatIsANumber_data()
     {
         QTest::addColumn<QString>("time");

@@ -12,7 +12,9 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QJsonObject>
-#include <QtCore/QThread>
+
+#include <poll.h>
+#include <unistd.h>
 
 namespace tool {
 
@@ -45,6 +47,13 @@ void print(Output &output, const QString &name, QJsonObject state)
     }
 }
 
+/// Waits for a time, and no longer when nobody reads the output any more.
+bool isReaderGone(std::chrono::milliseconds time)
+{
+    pollfd output{STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, int(time.count())) > 0;
+}
+
 ExitStatus runWatch(const Request &request)
 {
     QVector<const Setting *> settings;
@@ -57,7 +66,6 @@ ExitStatus runWatch(const Request &request)
     Session session(request.session);
     session.requireConnection();
     QHash<const Setting *, QJsonObject> states;
-    // Nobody would see anything any more once the output is closed.
     while (request.output.isWritten()) {
         for (const Setting *setting : qAsConst(settings)) {
             const QJsonObject state = stateOf(*setting, &session);
@@ -66,7 +74,8 @@ ExitStatus runWatch(const Request &request)
             states.insert(setting, state);
             print(request.output, setting->name, state);
         }
-        QThread::msleep(static_cast<unsigned long>(interval.count()));
+        if (isReaderGone(interval))
+            break;
     }
     return ExitStatus::Done;
 }
