@@ -82,7 +82,8 @@ std::string type(int depth)
     case 3:
         return "v";
     case 4:
-        return "h";
+        // The bus cuts off who sends more than 16.
+        return depth == 0 ? "h" : basicType();
     default:
         return basicType();
     }
@@ -160,16 +161,18 @@ void append(sd_bus_message *message, const std::string &signature, int depth)
 
 int reply(sd_bus_message *call)
 {
-    if (below(5) == 0)
-        return sd_bus_reply_method_errorf(call, "tests.Error", "%s", text().c_str());
+    if (below(5) == 0) {
+        check(sd_bus_reply_method_errorf(call, "tests.Error", "%s", text().c_str()), "no error");
+        return 1;
+    }
     sd_bus_message *reply = nullptr;
     check(sd_bus_message_new_method_return(call, &reply), "no reply");
     // What operations return comes often, all else now and then.
     static const char *const expected[] = {"", "i", "b", "d", "s", "a{sv}", "aa{sv}", "a(sa{sv})"};
     append(reply, below(2) == 0 ? expected[below(int(std::size(expected)))] : type(0), 0);
-    const int sent = sd_bus_send(nullptr, reply, nullptr);
+    check(sd_bus_send(nullptr, reply, nullptr), "not sent");
     sd_bus_message_unref(reply);
-    return sent < 0 ? sent : 1;
+    return 1;
 }
 
 } // namespace random
