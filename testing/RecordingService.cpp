@@ -2,7 +2,12 @@
 
 #include "RecordingService.h"
 
+#include "ServiceName.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QThread>
 #include <QtCore/QUuid>
+#include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusMessage>
 
 #include <csignal>
@@ -22,6 +27,11 @@ void RecordingService::start()
 void RecordingService::kill()
 {
     m_program.killAndWait();
+    // The bus may be about to notice. Somebody else may have the name by now.
+    const QDeadlineTimer deadline(1000);
+    while (m_connection.isConnected() &&
+           m_connection.interface()->isServiceRegistered(serviceName) && !deadline.hasExpired())
+        QThread::msleep(1);
 }
 
 void RecordingService::leaveTheBus()

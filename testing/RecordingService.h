@@ -21,7 +21,7 @@ public:
     /// May be repeated after the program has ended: nothing is recorded then, and nothing told.
     void start();
 
-    /// Ends the program at once, as a crash would.
+    /// Ends the program at once, as a crash would; when this returns, the bus knows.
     void kill();
 
     /// Gives the name of the service up; calls that wait for an answer go on waiting.
