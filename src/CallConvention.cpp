@@ -44,18 +44,11 @@ void logNotConnected(Operation operation)
         << (operation.has(SaysNotConnectedWithCapital) ? "Not Connected." : "Not connected.");
 }
 
-void logError(Operation operation, const QDBusError &error)
+void logError(Operation operation, const QString &message)
 {
     const CallInFlight::Logging logging;
     const QByteArray function = functionOf(operation);
-    QMessageLogger(sourceFile, operation.line(), function, "default").critical() << error.message();
-}
-
-void logForked(Operation operation)
-{
-    logError(operation,
-             QDBusError(QDBusError::Disconnected,
-                        QStringLiteral("A process that is forked has no connection to the bus")));
+    QMessageLogger(sourceFile, operation.line(), function, "default").critical() << message;
 }
 
 /// The value of the reply, or, when the reply is an error or has another type, the default.
@@ -64,7 +57,7 @@ Result resultOf(const QDBusMessage &message, Operation operation)
 {
     const QDBusReply<Result> reply(message);
     if (!reply.isValid()) {
-        logError(operation, reply.error());
+        logError(operation, reply.error().message());
         return Result();
     }
     if constexpr (!std::is_void_v<Result>)
@@ -86,7 +79,8 @@ bool ConfigurationManagerPrivate::mayCall(Operation operation) const
     if (connected && !CallInFlight::isForked())
         return true;
     if (connected)
-        logForked(operation);
+        logError(operation,
+                 QStringLiteral("A process that is forked has no connection to the bus"));
     else
         logNotConnected(operation);
     return false;

@@ -21,6 +21,14 @@ thread_local int loggingCount = 0;
 
 struct Awaiting
 {
+    Awaiting()
+    {
+        // The threads that were calling are not those of the child.
+        pthread_atfork(nullptr, nullptr, [] {
+            hasForked = true;
+            callCount = 0;
+        });
+    }
     ~Awaiting()
     {
         isEnding = true;
@@ -36,12 +44,6 @@ struct Awaiting
 void CallInFlight::awaitAllAtExit()
 {
     static const Awaiting awaiting;
-    // The threads that were calling are not those of the child.
-    static const int registered = pthread_atfork(nullptr, nullptr, [] {
-        hasForked = true;
-        callCount = 0;
-    });
-    Q_UNUSED(registered)
 }
 
 bool CallInFlight::isProcessEnding()

@@ -12,6 +12,18 @@ namespace detail {
 /// Texts of so many characters can always be sent, as many of them as any operation has.
 constexpr int shortText = 1024 * 1024;
 
+inline bool isLong(const QString &text)
+{
+    return text.size() > shortText;
+}
+
+/// Whether it depends on what a value holds if it can be sent.
+inline bool isInQuestion(int type, const void *value)
+{
+    return type == QMetaType::QVariantMap ||
+           (type == QMetaType::QString && isLong(*static_cast<const QString *>(value)));
+}
+
 /// Says why the arguments cannot be sent over D-Bus; empty when they can. The vocabulary's
 /// enumerations in them have then become the integers as which they are sent.
 ///

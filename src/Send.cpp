@@ -42,19 +42,6 @@ QString remoteMethodOf(Operation operation)
     return QString::fromLatin1(name.constData(), name.size());
 }
 
-bool isLong(const QString &text)
-{
-    return text.size() > shortText;
-}
-
-/// Whether it depends on what the argument holds if it can be sent.
-bool isInQuestion(const Argument &argument)
-{
-    return argument.type == QMetaType::QVariantMap ||
-           (argument.type == QMetaType::QString &&
-            isLong(*static_cast<const QString *>(argument.value)));
-}
-
 } // namespace
 
 QMetaMethod Operation::metaMethod() const
@@ -75,7 +62,10 @@ QDBusMessage ConfigurationManagerPrivate::send(Operation operation,
         values.append(collectionId);
     for (const auto *argument = flag; argument != arguments.end(); ++argument)
         values.append(variantOf(*argument));
-    if (isLong(collectionId) || std::any_of(arguments.begin(), arguments.end(), isInQuestion)) {
+    if (isLong(collectionId) ||
+        std::any_of(arguments.begin(), arguments.end(), [](const Argument &argument) {
+            return isInQuestion(argument.type, argument.value);
+        })) {
         const QString problem = marshallingProblem(values);
         if (!problem.isEmpty())
             return QDBusMessage::createError(QDBusError::InvalidArgs, problem);

@@ -103,12 +103,15 @@ PendingCall AsyncConfigurationManager::send(const char *method, int traits, int 
         traits & SaysNotConnectedWithCapital ? "Not Connected." : "Not connected.";
     QVariantList &values = call->arguments;
     values.reserve(int(arguments.size()) + 1);
-    for (const Argument &argument : arguments)
+    bool areInQuestion = detail::isLong(d->collectionId);
+    for (const Argument &argument : arguments) {
         values.append(QVariant(argument.type, argument.value));
+        areInQuestion |= detail::isInQuestion(argument.type, argument.value);
+    }
     if (traits & SendsCollectionId)
         values.insert(values.size() - ((traits & EndsInFlag) ? 1 : 0), d->collectionId);
 
-    const QString problem = detail::marshallingProblem(values);
+    const QString problem = areInQuestion ? detail::marshallingProblem(values) : QString();
     if (problem.isEmpty())
         d->queue->add(call);
     else

@@ -28,7 +28,7 @@ private Q_SLOTS:
     }
 
 private:
-    const PrivateBus m_bus{QStringLiteral(BUS_CONFIGURATION)};
+    const PrivateBus m_bus{QStringLiteral(DENYING_BUS_CONFIGURATION)};
     RecordingService m_service{m_bus};
     Facade m_facade;
 };

@@ -26,7 +26,7 @@ public:
     DenyingBus()
         : m_daemon(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                    QStringLiteral("--config-file=") + configuration()}),
+                    QStringLiteral("--config-file=" DENYING_BUS_CONFIGURATION)}),
           m_address(m_daemon.startAndReadLine()),
           m_simulator(QStringLiteral(SIMULATOR), {})
     {
@@ -39,22 +39,6 @@ public:
     const QString &address() const { return m_address; }
 
 private:
-    QString configuration()
-    {
-        const QString name = m_directory.filePath(QStringLiteral("bus.conf"));
-        QFile file(name);
-        if (!file.open(QFile::WriteOnly))
-            qFatal("%s: %s", qPrintable(name), qPrintable(file.errorString()));
-        file.write("<busconfig><type>system</type><listen>unix:dir=" + m_directory.path().toUtf8() +
-                   "</listen><policy context='default'><allow own='*'/>"
-                   "<allow send_destination='*' eavesdrop='true'/><allow "
-                   "receive_sender='*'/><allow user='*'/>"
-                   "<deny send_destination='com.tavelornbraille.ConfigurationManager'/>"
-                   "</policy></busconfig>");
-        return name;
-    }
-
-    QTemporaryDir m_directory;
     ChildProcess m_daemon;
     QString m_address;
     ChildProcess m_simulator;

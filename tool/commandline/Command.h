@@ -12,6 +12,7 @@
 #include <QtCore/QVector>
 
 #include <limits>
+#include <optional>
 
 namespace tool {
 
@@ -53,6 +54,12 @@ struct Request
     const Catalogue &catalogue;
 
     bool hasOption(const QString &name) const { return options.contains(name); }
+
+    /// The value of an option; of one that is repeated, the last.
+    std::optional<QString> option(const QString &name) const
+    {
+        return hasOption(name) ? std::optional(options.value(name).last()) : std::nullopt;
+    }
 };
 
 /// A subcommand: the one source of its parsing, help, manual page and completion.

@@ -10,7 +10,6 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QJsonObject>
-#include <QtDBus/QDBusConnection>
 
 namespace tool {
 
@@ -37,11 +36,7 @@ ExitStatus runMonitor(const Request &request)
     const support::TerminationSignals termination;
     Session session(request.session);
     session.requireBus();
-    // Without the bus, nothing would ever come any more.
-    QDBusConnection::systemBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                                         QStringLiteral("org.freedesktop.DBus.Local"),
-                                         QStringLiteral("Disconnected"),
-                                         QCoreApplication::instance(), SLOT(quit()));
+    Session::whenBusIsLost(QCoreApplication::instance(), SLOT(quit()));
 
     ConfigurationManager &library = session.library();
     QObject::connect(&library, &ConfigurationManager::connected,

@@ -7,7 +7,6 @@
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
-#include <QtDBus/QDBusConnection>
 
 namespace tool {
 
@@ -20,9 +19,9 @@ const QString forOption = QStringLiteral("for");
 
 ExitStatus runWait(const Request &request)
 {
-    const QString limit = request.options.value(forOption).value(0);
-    const std::chrono::milliseconds time =
-        secondsFrom(limit.isEmpty() ? QStringLiteral("0") : limit);
+    std::optional<std::chrono::milliseconds> limit;
+    if (const auto seconds = request.option(forOption))
+        limit = secondsFrom(*seconds);
     Session session(request.session);
     session.requireBus();
     if (request.hasOption(startOption) && !session.library().isConnected())
@@ -33,12 +32,9 @@ ExitStatus runWait(const Request &request)
     QEventLoop loop;
     QObject::connect(&session.library(), &ConfigurationManager::connected, &loop,
                      &QEventLoop::quit);
-    // Without the bus, nothing would ever come any more.
-    QDBusConnection::systemBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                                         QStringLiteral("org.freedesktop.DBus.Local"),
-                                         QStringLiteral("Disconnected"), &loop, SLOT(quit()));
-    if (!limit.isEmpty())
-        QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    Session::whenBusIsLost(&loop, SLOT(quit()));
+    if (limit)
+        QTimer::singleShot(*limit, &loop, &QEventLoop::quit);
     loop.exec();
     session.requireConnection();
     return ExitStatus::Done;

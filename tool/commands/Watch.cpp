@@ -59,9 +59,8 @@ ExitStatus runWatch(const Request &request)
     QVector<const Setting *> settings;
     for (const QString &name : request.arguments)
         settings += settingsMeant(request.catalogue, name);
-    const QString every = request.options.value(everyOption).value(0);
     const std::chrono::milliseconds interval =
-        secondsFrom(every.isEmpty() ? QStringLiteral("1") : every);
+        secondsFrom(request.option(everyOption).value_or(QStringLiteral("1")));
 
     Session session(request.session);
     session.requireConnection();

@@ -127,6 +127,13 @@ void Session::requireBus() const
             QStringLiteral("no system bus: %1: %2").arg(busAddress(), bus.lastError().message()));
 }
 
+void Session::whenBusIsLost(QObject *receiver, const char *slot)
+{
+    QDBusConnection::systemBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                         QStringLiteral("org.freedesktop.DBus.Local"),
+                                         QStringLiteral("Disconnected"), receiver, slot);
+}
+
 void Session::requireConnection() const
 {
     requireBus();
@@ -187,16 +194,16 @@ QVariant Session::resultOf(std::future<QVariant> call) const
     using std::chrono::steady_clock;
     constexpr std::chrono::milliseconds untilSignalIsSeen{50};
     const auto begin = steady_clock::now();
+    s_hasAbandonedCall = true;
     while (call.wait_for(untilSignalIsSeen) != std::future_status::ready) {
-        s_hasAbandonedCall = true;
         DeferredSignals::throwIfCome();
         if (m_timeout.count() > 0 && steady_clock::now() - begin > m_timeout) {
             throw Failure(ExitStatus::NoAnswer,
                           QStringLiteral("the configuration service has not answered within %1 s")
                               .arg(double(m_timeout.count()) / 1000));
         }
-        s_hasAbandonedCall = false;
     }
+    s_hasAbandonedCall = false;
     return call.get();
 }
 

@@ -45,6 +45,9 @@ public:
     void requireBus() const;
     void requireConnection() const;
 
+    /// Has the slot called when the bus is lost: nothing would ever come any more.
+    static void whenBusIsLost(QObject *receiver, const char *slot);
+
     /// Has the bus start the service, and waits until it is there. Throws a Failure that says why
     /// the bus does not.
     void startService() const;
