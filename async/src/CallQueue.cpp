@@ -87,8 +87,15 @@ void CallQueue::fill()
 
 void CallQueue::settle(PendingCallPrivate *call)
 {
-    const Call keptAlive(call);
-    m_onBus.removeOne(keptAlive);
+    const Call last(call);
+    // Those before it whose answers wait for the event loop call back before it.
+    for (int i = 0; i < m_onBus.size() && m_onBus.at(i) != last;) {
+        if (m_onBus.at(i)->isAnswered())
+            m_onBus.takeAt(i)->finishWithAnswer();
+        else
+            ++i;
+    }
+    m_onBus.removeOne(last);
     call->finishWithAnswer();
     fill();
 }

@@ -60,6 +60,18 @@ private Q_SLOTS:
         QTRY_COMPARE(m_told, (QStringList{QStringLiteral("2"), QStringLiteral("1")}));
     }
 
+    void anAnswerThatIsThereAlreadyDoesNotOvertakeAnEarlierOne()
+    {
+        m_service.setAnswer(QStringLiteral("getTabSize"), Answer::value(1));
+        m_service.setAnswer(QStringLiteral("getBaudrate"), Answer::value(2));
+        tell(m_manager->getTabSize());
+        PendingReply<int> later = m_manager->getBaudrate();
+        // Both are here now, and no event loop has run.
+        later.waitForFinished();
+        tell(later);
+        QTRY_COMPARE(m_told, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    }
+
     void anErrorIsToldAsOne()
     {
         m_service.setAnswer(

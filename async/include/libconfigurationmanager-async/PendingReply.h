@@ -95,7 +95,8 @@ public:
     /// has finished.
     ///
     /// They are called by the event loop of the context's thread, also when the call has finished
-    /// already; never after the context or the AsyncConfigurationManager is gone.
+    /// already; never after the context or the AsyncConfigurationManager is gone. In one context the
+    /// calls that a service answers one after the other call back in that order.
     template<typename OnValue, typename OnError>
     void then(const QObject *context, OnValue onValue, OnError onError) const
     {
