@@ -344,6 +344,18 @@ bool Inspection::passesRegistered(const QVariant &value, const char *signature, 
     return written.currentSignature() == QLatin1String(signature) || refuseType(type);
 }
 
+/// Whether a part that was received has been read to its end. Of an empty list Qt gives the type of
+/// the elements there, as if there were one.
+bool isAtEnd(QDBusArgument part)
+{
+    if (part.currentType() != QDBusArgument::UnknownType)
+        return false;
+    // Nobody can be asked which it is, but what is written by an application takes more.
+    const QString signature = part.currentSignature();
+    part << true;
+    return part.currentSignature() == signature;
+}
+
 /// Of a part of a message that was received. One that somebody writes cannot be looked into.
 bool Inspection::passesPart(const QDBusArgument &part, int depth)
 {
@@ -388,7 +400,7 @@ bool Inspection::passesPart(const QDBusArgument &part, int depth)
         break;
     }
     const QByteArray signature = own.currentSignature().toLatin1();
-    if (signature.isEmpty() || signature.contains("()"))
+    if (signature.isEmpty() || signature.contains("()") || isAtEnd(own))
         return refuseEmpty();
     if (!isAllowed(signature))
         return refuseType(qMetaTypeId<QDBusArgument>());

@@ -206,6 +206,11 @@ private Q_SLOTS:
         halfWritten.beginStructure();
         halfWritten << 1;
         QTest::newRow("half-written argument") << QVariant::fromValue(halfWritten) << missing;
+        QDBusArgument number;
+        number << 1;
+        number.beginStructure();
+        QTest::newRow("half-written argument behind a number")
+            << QVariant::fromValue(number) << missing;
     }
 
     void aMapThatCannotBeSentIsRefused()
@@ -393,6 +398,31 @@ private Q_SLOTS:
         QCOMPARE(deviation(m_facade, slotOf("processSequence(QVariantMap)"), {sequence},
                            errorLine(reason)),
                  QString());
+        QVERIFY(m_service.takeCalls().isEmpty());
+    }
+
+    void theEndOfAListIsRefused_data()
+    {
+        QTest::addColumn<QVariant>("list");
+        QTest::newRow("empty") << QVariant(QVariantList());
+        QTest::newRow("of numbers") << QVariant::fromValue(QList<double>());
+        QTest::newRow("with elements") << QVariant(QVariantList{1, 2});
+    }
+
+    void theEndOfAListIsRefused()
+    {
+        QFETCH(QVariant, list);
+        m_service.setAnswer(Answer::value(QVariantMap{{QStringLiteral("inner"), list}}));
+        const auto part = m_facade.embosserInfoCmd().first().value<QDBusArgument>();
+        part.beginArray();
+        while (!part.atEnd())
+            part.asVariant();
+        m_service.takeCalls();
+        LogCapture log;
+        QVERIFY(!m_facade.processSequence({{QStringLiteral("outer"), QVariant::fromValue(part)}}));
+        // Qt may have said before that the part cannot be written to.
+        QCOMPARE(log.takeLines().constLast().text,
+                 QStringLiteral("\"outer: there is no value to send\""));
         QVERIFY(m_service.takeCalls().isEmpty());
     }
 
