@@ -58,7 +58,7 @@ MethodElement readMethod(QXmlStreamReader &xml)
         else if (attributes.value(QLatin1String("direction")) == QLatin1String("out"))
             element.resultType = type;
         else
-            element.arguments.append({name, type, Role::Other, QString()});
+            element.arguments.append({name, type, Role::Other, QString(), QString()});
         xml.skipCurrentElement();
     }
     return element;
@@ -98,7 +98,9 @@ QVector<Argument> withRoles(QVector<Argument> arguments, const Annotations &anno
         if (role == roles.cend() || names.size() != arguments.size())
             qFatal("introspection XML: the roles of %s", qPrintable(method));
         arguments[i].role = *role;
-        arguments[i].enumeration = annotations.enumeration(QStringLiteral("In%1").arg(i));
+        const QString place = QStringLiteral("In%1").arg(i);
+        arguments[i].enumeration = annotations.enumeration(place);
+        arguments[i].defaultValue = annotations.value(QStringLiteral("Default.") + place);
     }
     return arguments;
 }

@@ -26,7 +26,8 @@ struct Argument
     QString name; ///< for people: no program may depend on it
     QString type; ///< D-Bus signature
     Role role = Role::Other;
-    QString enumeration; ///< X of the lcm::X whose values the int takes; mostly empty
+    QString enumeration;  ///< X of the lcm::X whose values the int takes; mostly empty
+    QString defaultValue; ///< what is sent when the library's caller gives none; mostly empty
 };
 
 /// A remote method with what the table of operations says of it.

@@ -313,8 +313,9 @@ def introspection(table):
         yield f'    <method name="{operation.remote}">'
         for name, value in annotations(operation):
             yield f"      <annotation name={quoteattr(name)} value={quoteattr(value)}/>"
-        for name, signature, _ in operation.inputs:
-            yield f'      <arg name="{name}" type="{signature}" direction="in"/>'
+        for argument in operation.inputs:
+            yield (f'      <arg name="{argument.name}" type="{argument.signature}"'
+                   ' direction="in"/>')
         result = RESULTS[operation.result].signature
         if result:
             yield f'      <arg name="result" type="{result}" direction="out"/>'
@@ -332,6 +333,9 @@ def annotations(operation):
         yield f"{INTERFACE}.Meaning", operation.bare_meaning
     if operation.inputs:
         yield f"{INTERFACE}.Roles", " ".join(i.role.name for i in operation.inputs)
+    for n, argument in enumerate(operation.inputs):
+        if argument.default is not None:
+            yield f"{INTERFACE}.Default.In{n}", argument.default
     if operation.setting:
         yield (f"{INTERFACE}.{'Writes' if operation.writes else 'Reads'}",
                operation.setting.name)

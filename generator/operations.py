@@ -109,6 +109,7 @@ class Input(NamedTuple):
     name: str
     signature: str
     role: Role
+    default: Optional[str] = None  # what is sent for a parameter that is left out
 
 
 @dataclass
@@ -139,7 +140,7 @@ class Operation:
     @property
     def inputs(self):
         """The remote arguments, in order: the collection id is the last one before a flag."""
-        inputs = [Input(p.name, p.signature, p.role) for p in self.parameters]
+        inputs = [Input(p.name, p.signature, p.role, p.default) for p in self.parameters]
         if self.sends_collection_id:
             inputs.insert(len(inputs) - self.ends_in_flag,
                           Input("collectionId", "s", Role("collectionId")))

@@ -106,6 +106,20 @@ private Q_SLOTS:
             QStringLiteral("Orientation"));
     }
 
+    void whatMayBeLeftOutHasItsDefault()
+    {
+        const auto defaultsOf = [](const char *method) {
+            QStringList defaults;
+            for (const auto &argument : interface().method(QLatin1String(method))->arguments)
+                defaults.append(argument.defaultValue);
+            return defaults;
+        };
+        QCOMPARE(defaultsOf("setCounter"),
+                 (QStringList{QString(), QStringLiteral("1"), QString()}));
+        QCOMPARE(defaultsOf("setModel"),
+                 (QStringList{QString(), QString(), QStringLiteral("false")}));
+    }
+
     void secretsAndKeysAreMarked()
     {
         QCOMPARE(settingsThat(&Setting::isSecret), QStringList{QStringLiteral("Passphrase")});

@@ -325,6 +325,7 @@ bool ConfigurationManagerPrivate::setScale(const QString &unit, int scale, bool 
       <annotation name="com.tavelornbraille.ConfigurationManager.Operation" value="setScale(QString, int, bool)"/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Meaning" value="the scale &amp; size, in the numbers of lcm::Duplex"/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Roles" value="key value collectionId flag"/>
+      <annotation name="com.tavelornbraille.ConfigurationManager.Default.In3" value="false"/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Writes" value="Scale"/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Secret" value="true"/>
       <annotation name="com.tavelornbraille.ConfigurationManager.Enumeration.In1" value="Duplex"/>
