@@ -12,6 +12,7 @@
 
 #include <QtDBus/QDBusConnection>
 
+#include <algorithm>
 #include <limits>
 
 namespace libconfigurationmanager {
@@ -22,6 +23,43 @@ AsyncConfigurationManagerPrivate::AsyncConfigurationManagerPrivate(DBusService *
                                                                    CallQueue *calls)
     : service(watched), queue(calls), collectionId(detail::defaultCollectionId)
 {
+}
+
+namespace {
+
+/// With any other name, libdbus ends the process.
+bool isMethodName(const QString &name)
+{
+    constexpr int longest = 255;
+    return !name.isEmpty() && name.size() <= longest && !name.at(0).isDigit() &&
+           std::all_of(name.begin(), name.end(), [](QChar c) {
+               return c == QLatin1Char('_') || (c.unicode() < 128 && c.isLetterOrNumber());
+           });
+}
+
+} // namespace
+
+QExplicitlySharedDataPointer<PendingCallPrivate>
+AsyncConfigurationManagerPrivate::call(const QString &method, const QVariantList &arguments,
+                                       int resultType, const char *notConnectedText,
+                                       bool isInQuestion) const
+{
+    const QExplicitlySharedDataPointer<PendingCallPrivate> call(
+        new PendingCallPrivate(queue.data(), resultType));
+    call->method = method;
+    call->arguments = arguments;
+    call->timeout = timeout;
+    call->notConnectedText = notConnectedText;
+    QString problem;
+    if (isInQuestion) {
+        problem = isMethodName(method) ? detail::marshallingProblem(call->arguments)
+                                       : QLatin1String("no method can have this name");
+    }
+    if (problem.isEmpty())
+        queue->add(call.data());
+    else
+        call->finish(QDBusError(QDBusError::InvalidArgs, problem));
+    return call;
 }
 
 namespace {
@@ -76,6 +114,11 @@ void AsyncConfigurationManager::setCatalogsCollectionId(const QString &id)
     d->collectionId = id;
 }
 
+QString AsyncConfigurationManager::catalogsCollectionId() const
+{
+    return d->collectionId;
+}
+
 void AsyncConfigurationManager::setTimeoutInMilliseconds(qint64 timeout)
 {
     // The greatest number is D-Bus's for no time-out.
@@ -92,16 +135,17 @@ int AsyncConfigurationManager::maximumInFlight() const
     return d->queue->maximumOnBus();
 }
 
+PendingCall AsyncConfigurationManager::sendMethod(const QString &name,
+                                                  const QVariantList &arguments,
+                                                  int resultType) const
+{
+    return PendingCall(d->call(name, arguments, resultType, "Not connected.", true).data());
+}
+
 PendingCall AsyncConfigurationManager::send(const char *method, int traits, int resultType,
                                             std::initializer_list<Argument> arguments) const
 {
-    auto *const call = new PendingCallPrivate(d->queue.data(), resultType);
-    PendingCall pending(call);
-    call->method = QLatin1String(method);
-    call->timeout = d->timeout;
-    call->notConnectedText =
-        traits & SaysNotConnectedWithCapital ? "Not Connected." : "Not connected.";
-    QVariantList &values = call->arguments;
+    QVariantList values;
     values.reserve(int(arguments.size()) + 1);
     bool areInQuestion = detail::isLong(d->collectionId);
     for (const Argument &argument : arguments) {
@@ -110,13 +154,10 @@ PendingCall AsyncConfigurationManager::send(const char *method, int traits, int 
     }
     if (traits & SendsCollectionId)
         values.insert(values.size() - ((traits & EndsInFlag) ? 1 : 0), d->collectionId);
-
-    const QString problem = areInQuestion ? detail::marshallingProblem(values) : QString();
-    if (problem.isEmpty())
-        d->queue->add(call);
-    else
-        call->finish(QDBusError(QDBusError::InvalidArgs, problem));
-    return pending;
+    const char *const notConnectedText =
+        traits & SaysNotConnectedWithCapital ? "Not Connected." : "Not connected.";
+    return PendingCall(
+        d->call(QLatin1String(method), values, resultType, notConnectedText, areInQuestion).data());
 }
 
 } // namespace libconfigurationmanager

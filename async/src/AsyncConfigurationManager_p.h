@@ -19,6 +19,11 @@ class AsyncConfigurationManagerPrivate : public QSharedData
 public:
     AsyncConfigurationManagerPrivate(libtavelorn::DBusService *watched, CallQueue *calls);
 
+    /// Makes a call. What it consists of is looked into only when it is in question.
+    QExplicitlySharedDataPointer<PendingCallPrivate>
+    call(const QString &method, const QVariantList &arguments, int resultType,
+         const char *notConnectedText, bool isInQuestion) const;
+
     libtavelorn::DBusService *const service;
     const QExplicitlySharedDataPointer<CallQueue> queue;
     QString collectionId;

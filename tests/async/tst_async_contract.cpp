@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "AsyncTypedCalls.h"
+#include "DescribedCalls.h"
 #include "LogCapture.h"
 #include "NamedCall.h"
 #include "WireContract.h"
@@ -38,7 +39,12 @@ public:
     Outcome call(const QMetaMethod &slot, int round) override
     {
         const LogCapture log;
-        AnyReply reply = m_calls.value(slot.methodSignature()).call(m_manager, In(round));
+        return wait(m_calls.value(slot.methodSignature()).call(m_manager, In(round)));
+    }
+
+protected:
+    Outcome wait(AnyReply reply) const
+    {
         m_waiter(reply);
         Outcome outcome{reply.value(), {}};
         if (reply.isError())
@@ -46,10 +52,27 @@ public:
         return outcome;
     }
 
+    const Async &manager() const { return m_manager; }
+
 private:
     const Waiter m_waiter;
     QHash<QByteArray, AsyncTypedCall> m_calls;
     Async m_manager;
+};
+
+/// The same by the names of the methods on the bus.
+class DescribedSubject : public AsyncSubject
+{
+public:
+    using AsyncSubject::AsyncSubject;
+
+    Outcome call(const QMetaMethod &slot, int round) override
+    {
+        // The text is the operation's own, which the name of a method does not tell.
+        if (!isConnected())
+            return AsyncSubject::call(slot, round);
+        return wait(AnyReply(callByDescription(manager(), slot, sampleArguments(slot, round))));
+    }
 };
 
 } // namespace
@@ -64,12 +87,17 @@ private Q_SLOTS:
 
     void callsThatAreWaitedForAreTheLinesOfTheLock()
     {
-        compareWithTheLock([](AnyReply &reply) { reply.waitForFinished(); });
+        compareWithTheLock(AsyncSubject([](AnyReply &reply) { reply.waitForFinished(); }));
+    }
+
+    void callsByTheNamesOfTheMethodsAreTheLinesOfTheLock()
+    {
+        compareWithTheLock(DescribedSubject([](AnyReply &reply) { reply.waitForFinished(); }));
     }
 
     void callsThatCallBackAreTheLinesOfTheLock()
     {
-        compareWithTheLock([](AnyReply &reply) {
+        compareWithTheLock(AsyncSubject([](AnyReply &reply) {
             QVariant told;
             // Unlike QTest's waiting it does not sleep in between.
             QEventLoop loop;
@@ -84,13 +112,12 @@ private Q_SLOTS:
             QCOMPARE(loop.exec(), 1);
             if (!reply.isError())
                 QCOMPARE(told, reply.value());
-        });
+        }));
     }
 
 private:
-    void compareWithTheLock(const Waiter &waiter)
+    void compareWithTheLock(AsyncSubject &&subject)
     {
-        AsyncSubject subject(waiter);
         QVector<QMetaMethod> methods;
         for (const QMetaMethod &slot : slotsOf(Facade::staticMetaObject)) {
             if (subject.has(slot))

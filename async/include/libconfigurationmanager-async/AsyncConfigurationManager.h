@@ -44,6 +44,7 @@ public:
 
     /// Sets the collection id that operations send from now on, "masterCollectionKey" at first.
     void setCatalogsCollectionId(const QString &id);
+    QString catalogsCollectionId() const;
 
     /// Sets how long calls from now on wait for their answer, counted from when they are sent.
     ///
@@ -60,6 +61,22 @@ public:
     /// A system bus with its default limits refuses the 129th of a connection.
     void setMaximumInFlight(int count);
     int maximumInFlight() const;
+
+    /// Calls a method of the service by its name on the bus, for programs that know the operations
+    /// by their description, the introspection XML; all others have the operations below.
+    ///
+    /// The arguments are all that is sent, in its order, with the types as which it travels: an
+    /// enumeration is an int, and where the description has a collection id the caller puts one,
+    /// mostly catalogsCollectionId(). The result type is that of the meta-type system, such as
+    /// QMetaType::Int; for QMetaType::Void the reply has an invalid value.
+    ///
+    /// Otherwise the call is like that of an operation: in the order of the calls, with the same
+    /// time-out and the same errors; InvalidArgs also for a name that no method can have.
+    PendingReply<QVariant> callMethod(const QString &name, const QVariantList &arguments,
+                                      int resultType) const
+    {
+        return PendingReply<QVariant>(sendMethod(name, arguments, resultType));
+    }
 
 Q_SIGNALS:
     /// The service has come onto the bus.
@@ -1192,6 +1209,8 @@ private:
     }
 
     void setTimeoutInMilliseconds(qint64 timeout);
+    PendingCall sendMethod(const QString &name, const QVariantList &arguments,
+                           int resultType) const;
     PendingCall send(const char *method, int traits, int resultType,
                      std::initializer_list<Argument> arguments) const;
 

@@ -49,7 +49,7 @@ public:
     /// | name | |
     /// |---|---|
     /// | org.freedesktop.DBus.Error.ServiceUnknown | the service is absent; nothing was sent |
-    /// | org.freedesktop.DBus.Error.InvalidArgs | a map cannot be sent; nothing was sent |
+    /// | org.freedesktop.DBus.Error.InvalidArgs | what was given cannot be sent, and was not |
     /// | org.freedesktop.DBus.Error.InvalidSignature | the reply is of another type |
     /// | org.freedesktop.DBus.Error.NoReply | no answer within the time-out, or the service ended |
     /// | org.freedesktop.DBus.Error.Disconnected | there is no connection to the bus |
@@ -95,8 +95,8 @@ public:
     /// has finished.
     ///
     /// They are called by the event loop of the context's thread, also when the call has finished
-    /// already; never after the context or the AsyncConfigurationManager is gone. In one context the
-    /// calls that a service answers one after the other call back in that order.
+    /// already; never after the context or the AsyncConfigurationManager is gone. In one context
+    /// the calls that a service answers one after the other call back in that order.
     template<typename OnValue, typename OnError>
     void then(const QObject *context, OnValue onValue, OnError onError) const
     {
