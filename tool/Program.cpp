@@ -7,13 +7,9 @@
 #include "common/Utf8.h"
 #include "documentation/Documentation.h"
 #include "library/Catalogue.h"
-#include "library/Session.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QCoreApplication>
-
-#include <cstdio>
-#include <cstdlib>
 
 namespace tool {
 
@@ -84,10 +80,6 @@ int runProgram(const QVector<QByteArray> &arguments)
     } catch (const Failure &failure) {
         output.failure(failure);
         status = failure.status();
-    }
-    if (Session::hasAbandonedCall()) {
-        std::fflush(nullptr);
-        std::quick_exit(int(status));
     }
     return int(status);
 }

@@ -29,7 +29,7 @@ EXTRA_OECMAKE += " \
 PACKAGECONFIG ??= ""
 PACKAGECONFIG[simulator] = "-DLIBCONFIGURATIONMANAGER_SIMULATOR=ON,-DLIBCONFIGURATIONMANAGER_SIMULATOR=OFF,jsoncpp"
 PACKAGECONFIG[tool] = "-DLIBCONFIGURATIONMANAGER_TOOL=ON,-DLIBCONFIGURATIONMANAGER_TOOL=OFF"
-# The calls that do not wait, in a package of their own.
+# The calls that do not wait, in a package of their own; the tool is built only together with it.
 PACKAGECONFIG[async] = "-DLIBCONFIGURATIONMANAGER_ASYNC=ON,-DLIBCONFIGURATIONMANAGER_ASYNC=OFF"
 # The embosser manufacturer's libtavelorn, from a recipe of that name, instead of the one here.
 PACKAGECONFIG[installed-libtavelorn] = "-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=ON,-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=OFF,libtavelorn"

@@ -18,7 +18,8 @@ NEEDED = {
     "lib/libconfigurationmanager-async.so": {"libQt5Core.so.5", "libQt5DBus.so.5",
                                              "libconfigurationmanager.so.1", "libtavelorn.so.1"},
     "lib/libtavelorn.so": {"libQt5Core.so.5", "libQt5DBus.so.5"},
-    "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5", "libconfigurationmanager.so.1"},
+    "bin/embosserctl": {"libQt5Core.so.5", "libQt5DBus.so.5",
+                        "libconfigurationmanager-async.so.1", "libconfigurationmanager.so.1"},
     "bin/embosser-simulator": {"libQt5Core.so.5", "libQt5DBus.so.5", "libQt5Sql.so.5",
                                "libjsoncpp.so.25"},
 }

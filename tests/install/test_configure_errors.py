@@ -56,6 +56,11 @@ class ConfigureErrors(unittest.TestCase):
                                          "-DBUILD_TESTING=OFF"),
                           "The benchmarks use the tests' bus: set -DBUILD_TESTING=ON")
 
+    def test_the_tool_without_the_library_that_it_uses(self):
+        self.assert_error(self.configure("-DLIBCONFIGURATIONMANAGER_ASYNC=OFF"),
+                          "The tool uses the library of calls that do not wait: set "
+                          "-DLIBCONFIGURATIONMANAGER_ASYNC=ON")
+
     def test_a_compiler_that_is_too_old(self):
         compiler = self.write("g++", '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=7 "$@"\n')
         compiler.chmod(0o755)

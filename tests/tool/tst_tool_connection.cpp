@@ -77,7 +77,6 @@ private Q_SLOTS:
         const QString text = QStringLiteral("the \"drum\" is open\n\u00e9");
         const QString shown = QStringLiteral("the \"drum\" is open\\n\u00e9");
         QTest::newRow("as usual") << QString() << text << shown;
-        // The message comes by way of the log.
         QTest::newRow("whatever is to be logged") << QStringLiteral("*=false") << text << shown;
         QTest::newRow("an empty one") << QString() << QString() << QString();
         QTest::newRow("control characters") << QString() << QStringLiteral("\b\f\r\t\u0001A")

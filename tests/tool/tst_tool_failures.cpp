@@ -150,6 +150,62 @@ private Q_SLOTS:
         QCOMPARE(run(QStringLiteral("get TabSize --timeout 0.1")).status, 4);
     }
 
+    void eachAnswerOfManyHasItsTime()
+    {
+        // As of a service that answers one call after the other: all of them take longer.
+        m_service.start();
+        int delay = 0;
+        for (const char *getter : {"getTabSize", "getAlignLow", "getBaudrate", "getAlignHigh"}) {
+            Answer late = Answer::value(4);
+            late.delayInMilliseconds = delay += 600;
+            m_service.setAnswer(QString::fromLatin1(getter), late);
+        }
+        const Outcome outcome =
+            run(QStringLiteral("get TabSize AlignLow Baudrate AlignHigh --timeout 1.5"));
+        QCOMPARE(outcome.output,
+                 QByteArray("TabSize\t4\nAlignLow\t4\nBaudrate\t4\nAlignHigh\t4\n"));
+        QCOMPARE(outcome.status, 0);
+    }
+
+    void printsInTheOrderOfTheCalls()
+    {
+        m_service.start();
+        Answer late = Answer::value(1);
+        late.delayInMilliseconds = 300;
+        m_service.setAnswer(Answer::value(4));
+        m_service.setAnswer(QStringLiteral("getAlignLow"), late);
+        m_service.setAnswer(QStringLiteral("getBaudrate"),
+                            Answer::error(QStringLiteral("tests.Error"), QStringLiteral("no")));
+        late = Answer::error(QStringLiteral("tests.Error"), QStringLiteral("late"));
+        late.delayInMilliseconds = 300;
+        m_service.setAnswer(QStringLiteral("getEMCTest"), late);
+        const Outcome outcome =
+            run(QStringLiteral("get TabSize AlignLow EMCTest Baudrate AlignHigh"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.output, QByteArray("TabSize\t4\nAlignLow\t1\nAlignHigh\t4\n"));
+        QCOMPARE(outcome.errors,
+                 QByteArray("embosserctl: EMCTest: late\nembosserctl: Baudrate: no\n"));
+    }
+
+    void aRefusalIsNotMistakenForAnErrorOfTheBus_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name : {"AccessDenied", "Disconnected", "NoReply", "ServiceUnknown",
+                                 "TimedOut", "Timeout", "InvalidArgs"})
+            QTest::newRow(name) << QStringLiteral("org.freedesktop.DBus.Error.") +
+                                       QLatin1String(name);
+    }
+
+    void aRefusalIsNotMistakenForAnErrorOfTheBus()
+    {
+        QFETCH(QString, name);
+        m_service.start();
+        m_service.setAnswer(Answer::error(name, QStringLiteral("not now")));
+        const Outcome outcome = run(QStringLiteral("get TabSize"));
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: TabSize: not now\n"));
+        QCOMPARE(outcome.status, 1);
+    }
+
     void waitsUntilTheServiceComes()
     {
         QCOMPARE(run(QStringLiteral("wait --for 0.1")).status, 3);

@@ -121,7 +121,10 @@ private Q_SLOTS:
         RecordingService service(m_bus);
         service.start();
         service.setAnswer(QStringLiteral("getAlignHigh"), Answer::value(1));
-        service.setAnswer(QStringLiteral("getAlignLow"), Answer::exit());
+        // Once the answers before it are on their way.
+        Answer exit = Answer::exit();
+        exit.delayInMilliseconds = 200;
+        service.setAnswer(QStringLiteral("getAlignLow"), exit);
         const Outcome outcome =
             restore(R"("AlignAdjustment": 1, "AlignHigh": 1, "AlignLow": 7, "Volume": "6")");
         QCOMPARE(outcome.status, 3);

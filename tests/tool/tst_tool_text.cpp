@@ -7,7 +7,6 @@
 #include "common/Utf8.h"
 #include "terminal/Columns.h"
 
-#include <QtCore/QDebug>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 #include <QtTest/QTest>
@@ -84,24 +83,6 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(QString, shown);
         QCOMPARE(printable(text), shown);
-    }
-
-    void takesBackTheQuotesOfQDebug_data()
-    {
-        QTest::addColumn<QString>("text");
-        int i = 0;
-        for (const char *text :
-             {"", "plain", "a \"quoted\" word", "back\\slash", "\b\f\n\r\t", "\x01\x1b", "\1f",
-              "\u00e4\u2801", "\U0001F600", "\U000E0001x", "\u200b", "\\n", "\\u0041", "\ue000"})
-            QTest::addRow("%d", i++) << QString::fromUtf8(text);
-    }
-
-    void takesBackTheQuotesOfQDebug()
-    {
-        QFETCH(QString, text);
-        QString quoted;
-        QDebug(&quoted).nospace() << text;
-        QCOMPARE(unquoted(quoted), text);
     }
 
     void takesOnlyUtf8ForText_data()

@@ -27,8 +27,8 @@ ExitStatus runGet(const Request &request)
     QJsonObject values;
     QJsonObject errors;
     QVector<QStringList> rows;
-    for (const Setting *setting : qAsConst(settings)) {
-        const Reply reply = session.call(*setting->getter);
+    for (const auto &[setting, call] : session.beginToRead(settings)) {
+        const Reply reply = session.finish(call);
         if (reply.error) {
             request.output.error(about(setting->name, *reply.error));
             status = ExitStatus::Failed;

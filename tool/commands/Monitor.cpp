@@ -13,7 +13,7 @@
 
 namespace tool {
 
-using libconfigurationmanager::detail::ConfigurationManager;
+using libconfigurationmanager::AsyncConfigurationManager;
 
 namespace {
 
@@ -38,10 +38,10 @@ ExitStatus runMonitor(const Request &request)
     session.requireBus();
     Session::whenBusIsLost(QCoreApplication::instance(), SLOT(quit()));
 
-    ConfigurationManager &library = session.library();
-    QObject::connect(&library, &ConfigurationManager::connected,
+    AsyncConfigurationManager &library = session.library();
+    QObject::connect(&library, &AsyncConfigurationManager::connected,
                      [&] { printState(request.output, true); });
-    QObject::connect(&library, &ConfigurationManager::disconnected,
+    QObject::connect(&library, &AsyncConfigurationManager::disconnected,
                      [&] { printState(request.output, false); });
     printState(request.output, library.isConnected());
     // Nobody would see anything any more; the status tells why.

@@ -26,7 +26,8 @@ QVariant valueFromText(const QString &text, const Setting &setting, const Catalo
     try {
         return argumentFromText(text, setting.valueType());
     } catch (const Failure &) {
-        const QMap<QString, int> values = choicesOf(setting, catalogue, session).values;
+        const QMap<QString, int> values =
+            ChoicesQuestion(setting, catalogue, *session).answer().values;
         if (values.isEmpty() || setting.valueType().enumeration.isValid())
             throw;
         const auto value = values.find(text);

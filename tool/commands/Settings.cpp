@@ -15,27 +15,52 @@
 #include <QtCore/QJsonObject>
 
 #include <csignal>
+#include <optional>
+#include <vector>
 
 namespace tool {
 
 namespace {
 
-/// What a setting is, holds and may hold; what the service does not tell is left out.
-QJsonObject toJson(const Setting &setting, const Catalogue &catalogue, Session *session)
+/// Asks for what a setting holds and may hold.
+class SettingQuestion
 {
-    QJsonObject object{{QStringLiteral("name"), setting.name},
-                       {QStringLiteral("meaning"), setting.meaning},
-                       {QStringLiteral("writable"), setting.setter != nullptr}};
-    if (setting.isSecret) {
+public:
+    /// Begins the calls; there are none for a secret.
+    SettingQuestion(const Setting &setting, const Catalogue &catalogue, Session &session)
+        : m_setting(setting), m_session(session)
+    {
+        if (setting.isSecret)
+            return;
+        m_value = session.begin(*setting.getter);
+        m_choices.emplace(setting, catalogue, session);
+    }
+
+    /// What a setting is, holds and may hold; what the service does not tell is left out.
+    QJsonObject answer();
+
+private:
+    const Setting &m_setting;
+    Session &m_session;
+    std::optional<Session::Call> m_value;
+    std::optional<ChoicesQuestion> m_choices;
+};
+
+QJsonObject SettingQuestion::answer()
+{
+    QJsonObject object{{QStringLiteral("name"), m_setting.name},
+                       {QStringLiteral("meaning"), m_setting.meaning},
+                       {QStringLiteral("writable"), m_setting.setter != nullptr}};
+    if (m_setting.isSecret) {
         object.insert(QStringLiteral("value"), QJsonValue());
         return object;
     }
-    const Reply reply = session->call(*setting.getter);
+    const Reply reply = m_session.finish(*m_value);
     if (reply.error)
         object.insert(QStringLiteral("error"), errorToJson(ExitStatus::Failed, *reply.error));
     else
-        object.insert(QStringLiteral("value"), toJson(reply.value, setting.getter->result));
-    const Choices choices = choicesOf(setting, catalogue, session);
+        object.insert(QStringLiteral("value"), toJson(reply.value, m_setting.getter->result));
+    const Choices choices = m_choices->answer();
     if (choices.minimum && choices.maximum) {
         object.insert(QStringLiteral("minimum"), *choices.minimum);
         object.insert(QStringLiteral("maximum"), *choices.maximum);
@@ -69,11 +94,14 @@ ExitStatus runSettings(const Request &request)
     QVector<QStringList> rows;
     {
         const DeferredSignals untilBarIsGone({SIGINT, SIGTERM});
+        std::vector<SettingQuestion> questions;
+        for (const Setting *setting : settings)
+            questions.emplace_back(*setting, request.catalogue, session);
         ProgressBar progress(settings.size(), request.output.showsProgress());
-        for (const Setting *setting : settings) {
+        for (SettingQuestion &question : questions) {
             progress.step();
             DeferredSignals::throwIfCome();
-            const QJsonObject object = toJson(*setting, request.catalogue, &session);
+            const QJsonObject object = question.answer();
             descriptions.append(object);
             rows.append(rowOf(object));
         }

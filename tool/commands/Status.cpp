@@ -10,6 +10,7 @@
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
+#include <QtCore/QQueue>
 
 namespace tool {
 
@@ -56,15 +57,22 @@ public:
         m_session.requireConnection();
     }
 
-    QJsonValue ask(const Operation &operation)
+    void ask(const Operation &operation)
     {
-        const Reply reply = m_session.call(operation);
+        m_asked.enqueue({&operation, m_session.begin(operation)});
+    }
+
+    /// Returns the answer to what was asked first, and of which there has been none.
+    QJsonValue nextAnswer()
+    {
+        const auto [operation, call] = m_asked.dequeue();
+        const Reply reply = m_session.finish(call);
         if (!reply.error)
-            return toJson(reply.value, operation.result);
-        m_request.output.error(about(operation.name, *reply.error));
+            return toJson(reply.value, operation->result);
+        m_request.output.error(about(operation->name, *reply.error));
         m_status = ExitStatus::Failed;
-        m_errors.insert(operation.name,
-                        errorToJson(m_status, reason(operation.name, *reply.error)));
+        m_errors.insert(operation->name,
+                        errorToJson(m_status, reason(operation->name, *reply.error)));
         return QJsonValue::Undefined;
     }
 
@@ -74,32 +82,39 @@ public:
 private:
     const Request &m_request;
     Session m_session;
+    QQueue<QPair<const Operation *, Session::Call>> m_asked;
     ExitStatus m_status = ExitStatus::Done;
     QJsonObject m_errors;
 };
 
 ExitStatus runConnected(const Request &request)
 {
+    QVector<const Operation *> capabilities;
+    for (const Operation &operation : request.catalogue.operations()) {
+        if (isCapability(operation))
+            capabilities.append(&operation);
+    }
     Questions questions(request);
+    for (const Fact &fact : facts())
+        questions.ask(operationFor(request.catalogue, fact.operation, 0));
+    for (const Operation *capability : qAsConst(capabilities))
+        questions.ask(*capability);
+
     QJsonObject status{{QStringLiteral("connected"), true}};
     QVector<QStringList> rows{{QStringLiteral("Connected"), QStringLiteral("yes")}};
     for (const Fact &fact : facts()) {
-        const QJsonValue answer = questions.ask(operationFor(request.catalogue, fact.operation, 0));
+        const QJsonValue answer = questions.nextAnswer();
         if (answer.isUndefined())
             continue;
         status.insert(fact.key, answer);
         rows.append({fact.label, toText(answer)});
     }
-
-    QJsonArray capabilities;
     QStringList names;
-    for (const Operation &operation : request.catalogue.operations()) {
-        if (isCapability(operation) && questions.ask(operation).toBool()) {
-            capabilities.append(operation.name);
-            names.append(operation.name);
-        }
+    for (const Operation *capability : qAsConst(capabilities)) {
+        if (questions.nextAnswer().toBool())
+            names.append(capability->name);
     }
-    status.insert(QStringLiteral("capabilities"), capabilities);
+    status.insert(QStringLiteral("capabilities"), QJsonArray::fromStringList(names));
     rows.append({QStringLiteral("Capabilities"), names.join(QLatin1Char(' '))});
 
     if (!questions.errors().isEmpty())

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-using libconfigurationmanager::detail::ConfigurationManager;
+using libconfigurationmanager::AsyncConfigurationManager;
 
 namespace {
 
@@ -30,7 +30,7 @@ ExitStatus runWait(const Request &request)
         return ExitStatus::Done;
 
     QEventLoop loop;
-    QObject::connect(&session.library(), &ConfigurationManager::connected, &loop,
+    QObject::connect(&session.library(), &AsyncConfigurationManager::connected, &loop,
                      &QEventLoop::quit);
     Session::whenBusIsLost(&loop, SLOT(quit()));
     if (limit)

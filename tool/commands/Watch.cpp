@@ -23,9 +23,8 @@ namespace {
 const QString everyOption = QStringLiteral("every");
 
 /// The value of a setting, or why there is none, as JSON has it.
-QJsonObject stateOf(const Setting &setting, Session *session)
+QJsonObject stateOf(const Setting &setting, const Reply &reply)
 {
-    const Reply reply = session->call(*setting.getter);
     if (reply.error) {
         return {{QStringLiteral("error"),
                  errorToJson(ExitStatus::Failed, reason(setting.name, *reply.error))}};
@@ -66,8 +65,8 @@ ExitStatus runWatch(const Request &request)
     session.requireConnection();
     QHash<const Setting *, QJsonObject> states;
     while (request.output.isWritten()) {
-        for (const Setting *setting : qAsConst(settings)) {
-            const QJsonObject state = stateOf(*setting, &session);
+        for (const auto &[setting, call] : session.beginToRead(settings)) {
+            const QJsonObject state = stateOf(*setting, session.finish(call));
             if (states.contains(setting) && states.value(setting) == state)
                 continue;
             states.insert(setting, state);

@@ -6,15 +6,6 @@ namespace tool {
 
 namespace {
 
-/// The character that QDebug names by a letter, or else the one that it has put a backslash before.
-QChar escapedCharacter(QChar name)
-{
-    const QString names = QStringLiteral("bfnrt");
-    const QString characters = QStringLiteral("\b\f\n\r\t");
-    const int index = names.indexOf(name);
-    return index < 0 ? name : characters[index];
-}
-
 /// Whether the character would change how the text around it is laid out: the embeddings, overrides
 /// and isolates of right-to-left text, and the separators of lines and paragraphs.
 bool changesLayout(QChar character)
@@ -54,32 +45,6 @@ QString printable(const QString &text)
             result += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
         else
             result += character;
-    }
-    return result;
-}
-
-QString unquoted(const QString &text)
-{
-    QString result;
-    for (int i = 1; i < text.size() - 1; ++i) {
-        if (text[i] != QLatin1Char('\\')) {
-            result += text[i];
-            continue;
-        }
-        const QChar escape = text[++i];
-        if (escape.toLower() != QLatin1Char('u')) {
-            result += escapedCharacter(escape);
-            continue;
-        }
-        const int digits = escape.isLower() ? 4 : 8;
-        const uint character = text.midRef(i + 1, digits).toUInt(nullptr, 16);
-        if (QChar::requiresSurrogates(character)) {
-            result += QChar(QChar::highSurrogate(character));
-            result += QChar(QChar::lowSurrogate(character));
-        } else {
-            result += QChar(character);
-        }
-        i += digits;
     }
     return result;
 }

@@ -11,10 +11,6 @@ namespace tool {
 /// worse, and for the backslash, which would look like one of them.
 QString printable(const QString &text);
 
-/// Takes back the quotes and escapes with which QDebug prints a QString: "\n", "\u0001" and, above
-/// U+FFFF, "\U000E0001".
-QString unquoted(const QString &text);
-
 } // namespace tool
 
 #endif

@@ -120,34 +120,36 @@ QStringList secretSettings(const Catalogue &catalogue)
 Configuration readConfiguration(const Catalogue &catalogue, const Output &output,
                                 const SessionOptions &options)
 {
+    const Setting *const type = &typeSetting(catalogue);
+    QVector<const Setting *> settings;
+    for (const Setting &setting : catalogue.settings()) {
+        if (&setting == type || (canBeRestored(setting) && !setting.isSecret))
+            settings.append(&setting);
+    }
     Session session(options);
     session.requireConnection();
     Configuration configuration;
     QStringList failures;
     {
         const DeferredSignals untilBarIsGone({SIGINT, SIGTERM});
-        const QVector<Setting> &settings = catalogue.settings();
         ProgressBar progress(settings.size(), output.showsProgress());
-        for (const Setting &setting : settings) {
+        for (const auto &[setting, call] : session.beginToRead(settings)) {
             progress.step();
             DeferredSignals::throwIfCome();
-            const bool isType = &setting == &typeSetting(catalogue);
-            if (!isType && (!canBeRestored(setting) || setting.isSecret))
-                continue;
-            const Reply reply = session.call(*setting.getter);
+            const Reply reply = session.finish(call);
             if (reply.error) {
-                failures.append(about(setting.name, *reply.error));
+                failures.append(about(setting->name, *reply.error));
                 configuration.errors.insert(
-                    setting.name,
-                    errorToJson(ExitStatus::Failed, reason(setting.name, *reply.error)));
+                    setting->name,
+                    errorToJson(ExitStatus::Failed, reason(setting->name, *reply.error)));
                 continue;
             }
-            const QJsonValue value = toJson(reply.value, setting.getter->result);
-            if (isType)
+            const QJsonValue value = toJson(reply.value, setting->getter->result);
+            if (setting == type)
                 configuration.type = toText(value);
             else
-                configuration.values.insert(setting.name, value);
-            if (setting.name == modelName)
+                configuration.values.insert(setting->name, value);
+            if (setting->name == modelName)
                 configuration.model = toText(value);
         }
     }

@@ -76,9 +76,8 @@ void Restoration::setNotApplied(const QString &name, const QString &reason)
     m_outcomes.insert(name, {Outcome::NotApplied, reason});
 }
 
-Outcome Restoration::read(Target &target)
+Outcome Restoration::outcomeOf(Target &target, const Reply &reply)
 {
-    const Reply reply = m_session.call(*target.setting->getter);
     const QJsonValue held = toJson(reply.value, target.setting->getter->result);
     target.held = reply.error ? QJsonValue::Undefined : held;
     if (!reply.error && held == target.value)
@@ -94,14 +93,17 @@ Outcome Restoration::read(Target &target)
 QStringList Restoration::notHeld()
 {
     ProgressBar progress(m_targets.size(), m_showsProgress);
+    QVector<const Setting *> settings;
+    for (const Target &target : qAsConst(m_targets))
+        settings.append(target.setting);
     QStringList names;
-    for (auto target = m_targets.begin(); target != m_targets.end(); ++target) {
+    for (const auto &[setting, call] : m_session.beginToRead(settings)) {
         progress.step();
         DeferredSignals::throwIfCome();
-        const Outcome outcome = read(*target);
-        m_outcomes.insert(target.key(), outcome);
+        const Outcome outcome = outcomeOf(m_targets[setting->name], m_session.finish(call));
+        m_outcomes.insert(setting->name, outcome);
         if (outcome.state != Outcome::Unchanged && outcome.state != Outcome::Applied)
-            names.append(target.key());
+            names.append(setting->name);
     }
     return names;
 }

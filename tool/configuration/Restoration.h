@@ -69,7 +69,7 @@ private:
     void setTargets(const Configuration &configuration, const Catalogue &catalogue);
     void setNotApplied(const QString &name, const QString &reason);
     Reply writeTarget(const QString &name, const Target &target);
-    Outcome read(Target &target);
+    static Outcome outcomeOf(Target &target, const Reply &reply);
     /// Reads all targets, since one setting may have changed another.
     QStringList notHeld();
     void write(const QStringList &names);

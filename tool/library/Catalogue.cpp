@@ -4,11 +4,10 @@
 
 #include <contract/Interface.h>
 #include <libconfigurationmanager/ConfigurationManager.h>
+#include <libconfigurationmanager/lcm.h>
 
 #include <QtCore/QHash>
 #include <QtCore/QMetaMethod>
-
-#include <algorithm>
 
 namespace tool {
 
@@ -51,6 +50,7 @@ void describe(Operation *operation, const contract::Method &method)
     operation->writes = method.writes;
     operation->isSecret = method.isSecret;
     operation->isQuery = !method.writes && !method.meaning.isEmpty();
+    operation->collectionIdAt = method.indexOf(contract::Role::CollectionId);
     setEnumeration(&operation->result, method.resultEnumeration);
     // The library's parameters are sent in their order.
     auto *parameter = operation->parameters.begin();
@@ -59,6 +59,10 @@ void describe(Operation *operation, const contract::Method &method)
             continue;
         parameter->role = argument.role;
         setEnumeration(&parameter->type, argument.enumeration);
+        if (!argument.defaultValue.isEmpty()) {
+            parameter->defaultValue = argument.defaultValue;
+            parameter->defaultValue.convert(parameter->type.metaType());
+        }
         ++parameter;
     }
 }
@@ -88,6 +92,8 @@ bool Setting::takesFlag() const
 
 Catalogue::Catalogue()
 {
+    // The meta-object knows the list by this name, the libraries register it by another.
+    qRegisterMetaType<ConfigurationList>("ConfigurationList");
     readMetaObject();
     readContract();
     pairSettings();
@@ -103,7 +109,7 @@ void Catalogue::readMetaObject()
         // A variant without the last parameters follows its method at once.
         if (!(method.attributes() & QMetaMethod::Cloned))
             m_operations.append(operationOf(method));
-        m_operations.last().forms.append(method);
+        m_operations.last().signatures.append(method.methodSignature());
         m_operations.last().requiredParameters = method.parameterCount();
     }
 }
@@ -112,7 +118,7 @@ void Catalogue::readContract()
 {
     QHash<QByteArray, Operation *> bySignature;
     for (Operation &operation : m_operations)
-        bySignature.insert(operation.forms.first().methodSignature(), &operation);
+        bySignature.insert(operation.signatures.first(), &operation);
     for (const contract::Method &method : contract::Interface::configurationManager().methods()) {
         const QByteArray signature = method.operation.toLatin1();
         Operation *operation =
@@ -153,10 +159,7 @@ QVector<const Operation *> Catalogue::operationsNamed(const QString &name) const
     const QByteArray signature = QMetaObject::normalizedSignature(name.toLatin1().constData());
     QVector<const Operation *> found;
     for (const Operation &operation : m_operations) {
-        const bool hasSignature = std::any_of(
-            operation.forms.begin(), operation.forms.end(),
-            [&](const QMetaMethod &form) { return form.methodSignature() == signature; });
-        if (operation.name == name || hasSignature)
+        if (operation.name == name || operation.signatures.contains(signature))
             found.append(&operation);
     }
     return found;

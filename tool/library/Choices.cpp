@@ -14,10 +14,8 @@ namespace tool {
 
 namespace {
 
-std::optional<int> bound(const QString &operation, const QString &name, const Catalogue &catalogue,
-                         Session *session)
+std::optional<int> boundOf(const Reply &reply)
 {
-    const Reply reply = session->call(operationFor(catalogue, operation, 1), {name});
     return reply.error ? std::nullopt : std::optional(reply.value.toInt());
 }
 
@@ -36,29 +34,36 @@ QString Choices::text() const
     return {};
 }
 
-Choices choicesOf(const Setting &setting, const Catalogue &catalogue, Session *session)
+ChoicesQuestion::ChoicesQuestion(const Setting &setting, const Catalogue &catalogue,
+                                 Session &session)
+    : m_session(session),
+      m_type(setting.valueType()),
+      m_lists(operationFor(catalogue, QStringLiteral("getValueList"), 1))
+{
+    const auto begin = [&](const QString &operation) {
+        return session.begin(operationFor(catalogue, operation, 1), {setting.name});
+    };
+    const bool isInt = m_type.name == QLatin1String("int");
+    if (isInt || m_type.name == QLatin1String("double")) {
+        m_minimum = begin(QStringLiteral("getMinValue"));
+        m_maximum = begin(QStringLiteral("getMaxValue"));
+    }
+    const std::optional<int> row = m_lists.parameters[0].type.enumeration.value(setting.name);
+    if (row && isInt && !m_type.enumeration.isValid())
+        m_list = session.begin(m_lists, {*row});
+}
+
+Choices ChoicesQuestion::answer()
 {
     Choices choices;
-    const ValueType &type = setting.valueType();
-    if (type.name == QLatin1String("double") || type.name == QLatin1String("int")) {
-        choices.minimum = bound(QStringLiteral("getMinValue"), setting.name, catalogue, session);
-        if (choices.minimum)
-            choices.maximum =
-                bound(QStringLiteral("getMaxValue"), setting.name, catalogue, session);
+    if (m_minimum) {
+        choices.minimum = boundOf(m_session.finish(*m_minimum));
+        choices.maximum = boundOf(m_session.finish(*m_maximum));
     }
-    if (type.enumeration.isValid()) {
-        for (const QString &key : type.enumeration.keys())
-            choices.values.insert(key, *type.enumeration.value(key));
-        return choices;
-    }
-    const Operation &lists = operationFor(catalogue, QStringLiteral("getValueList"), 1);
-    const std::optional<int> row = lists.parameters[0].type.enumeration.value(setting.name);
-    if (!row || type.name != QLatin1String("int"))
-        return choices;
-    const Reply reply = session->call(lists, {*row});
-    if (reply.error)
-        return choices;
-    for (const QJsonValue choice : toJson(reply.value, lists.result).toArray()) {
+    for (const QString &key : m_type.enumeration.keys())
+        choices.values.insert(key, *m_type.enumeration.value(key));
+    const Reply reply = m_list ? m_session.finish(*m_list) : Reply();
+    for (const QJsonValue choice : toJson(reply.value, m_lists.result).toArray()) {
         const QJsonValue key = choice[QStringLiteral("key")];
         const QJsonValue value = choice[QStringLiteral("value")];
         if (key.isString() && value.isDouble())

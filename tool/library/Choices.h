@@ -25,8 +25,25 @@ struct Choices
     QString text() const;
 };
 
-/// Asks for the value list of the setting's name, if there is one, or else for the bounds.
-Choices choicesOf(const Setting &setting, const Catalogue &catalogue, Session *session);
+/// Asks for the choices of a setting: for the value list of its name, if there is one, and for the
+/// bounds.
+class ChoicesQuestion
+{
+public:
+    /// Begins the calls.
+    ChoicesQuestion(const Setting &setting, const Catalogue &catalogue, Session &session);
+
+    /// Waits for their answers.
+    Choices answer();
+
+private:
+    Session &m_session;
+    const ValueType &m_type;
+    const Operation &m_lists;
+    std::optional<Session::Call> m_minimum;
+    std::optional<Session::Call> m_maximum;
+    std::optional<Session::Call> m_list;
+};
 
 } // namespace tool
 

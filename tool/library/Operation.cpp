@@ -2,9 +2,16 @@
 
 #include "library/Operation.h"
 
+#include <QtCore/QMetaType>
+
 #include <algorithm>
 
 namespace tool {
+
+int ValueType::metaType() const
+{
+    return enumeration.isValid() ? QMetaType::Int : QMetaType::type(name.toLatin1().constData());
+}
 
 QString Operation::signature() const
 {
@@ -32,9 +39,13 @@ bool Operation::accepts(int arguments) const
     return arguments >= requiredParameters && arguments <= parameters.size();
 }
 
-const QMetaMethod &Operation::form(int arguments) const
+QVariantList Operation::sent(QVariantList arguments, const QString &collectionId) const
 {
-    return forms[parameters.size() - arguments];
+    for (int i = arguments.size(); i < parameters.size(); ++i)
+        arguments.append(parameters[i].defaultValue);
+    if (collectionIdAt >= 0)
+        arguments.insert(collectionIdAt, collectionId);
+    return arguments;
 }
 
 QString Operation::bareName() const

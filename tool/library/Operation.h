@@ -7,9 +7,10 @@
 
 #include <contract/Interface.h>
 
-#include <QtCore/QMetaMethod>
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QVariant>
 #include <QtCore/QVector>
 
 namespace tool {
@@ -19,6 +20,9 @@ struct ValueType
 {
     QString name;
     Enumeration enumeration;
+
+    /// The type as which a value goes over the bus.
+    int metaType() const;
 };
 
 struct Parameter
@@ -26,6 +30,8 @@ struct Parameter
     QString name;
     ValueType type;
     contract::Role role = contract::Role::Other;
+    /// Invalid when the parameter has to be given.
+    QVariant defaultValue = {};
 };
 
 /// An operation of the library, as its meta-object and the contract tell.
@@ -36,13 +42,15 @@ struct Operation
     /// How many parameters have no default.
     int requiredParameters = 0;
     ValueType result;
-    /// The method with all parameters, followed by those that leave out the last ones.
-    QVector<QMetaMethod> forms;
+    /// That with all parameters, followed by those that leave out the last ones.
+    QVector<QByteArray> signatures;
 
     /// From the contract; empty when the library is newer than this program.
     QString meaning;
     QString family;
     QString remoteMethod;
+    /// Where the collection id stands among what is sent; -1 when it is not.
+    int collectionIdAt = -1;
     /// What the operation reads or writes, if it is about a setting.
     QString setting;
     bool writes = false;
@@ -64,7 +72,9 @@ struct Operation
 
     bool hasResult() const { return result.name != QLatin1String("void"); }
     bool accepts(int arguments) const;
-    const QMetaMethod &form(int arguments) const;
+
+    /// What is sent: the arguments, of which the last ones may be left out, and the collection id.
+    QVariantList sent(QVariantList arguments, const QString &collectionId) const;
 };
 
 } // namespace tool

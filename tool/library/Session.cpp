@@ -4,24 +4,23 @@
 
 #include "common/DeferredSignals.h"
 #include "common/Failure.h"
+#include "library/Catalogue.h"
 #include "library/Secret.h"
 
-#include <libconfigurationmanager/lcm.h>
-
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
 
 #include <algorithm>
-#include <array>
-#include <memory>
-#include <thread>
 
 namespace tool {
 
-using libconfigurationmanager::detail::ConfigurationManager;
+using libconfigurationmanager::AsyncConfigurationManager;
 
 namespace {
 
@@ -34,33 +33,6 @@ QString busAddress()
     const QString address = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
     return address.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
                              : address;
-}
-
-/// What the meta-object calls the type. An enumeration has the size of an int, and needs no
-/// registration.
-int storageType(const ValueType &type)
-{
-    return type.enumeration.isValid() ? QMetaType::Int
-                                      : QMetaType::type(type.name.toLatin1().constData());
-}
-
-QVariant invoke(QObject *object, const QMetaMethod &method, const ValueType &resultType,
-                const QVariantList &arguments)
-{
-    // As many as QMetaMethod::invoke() takes.
-    std::array<QGenericArgument, 10> given;
-    for (int i = 0; i < arguments.size(); ++i)
-        given[i] = QGenericArgument(arguments[i].typeName(), arguments[i].constData());
-
-    QVariant result;
-    QGenericReturnArgument returned;
-    if (method.returnType() != QMetaType::Void) {
-        result = QVariant(storageType(resultType), nullptr);
-        returned = QGenericReturnArgument(method.typeName(), result.data());
-    }
-    method.invoke(object, Qt::DirectConnection, returned, given[0], given[1], given[2], given[3],
-                  given[4], given[5], given[6], given[7], given[8], given[9]);
-    return result;
 }
 
 [[noreturn]] void throwNotConnected(const QString &reason)
@@ -80,6 +52,23 @@ QStringList secretsIn(const QVariant &value, bool isValueSecret)
     for (auto entry = map.begin(); entry != map.end(); ++entry)
         secrets += secretsIn(entry.value(), isValueSecret || isSecret(entry.key()));
     return secrets;
+}
+
+/// Whether only the service can have said so. The other errors are those of the bus and of the
+/// library, but a service may give its own the same names.
+bool isRefusal(const QDBusError &error)
+{
+    switch (error.type()) {
+    case QDBusError::AccessDenied:
+    case QDBusError::Disconnected:
+    case QDBusError::NoReply:
+    case QDBusError::ServiceUnknown:
+    case QDBusError::TimedOut:
+    case QDBusError::Timeout:
+        return false;
+    default:
+        return true;
+    }
 }
 
 /// The secrets among what the service was given.
@@ -108,15 +97,16 @@ QString withoutTexts(QString message, QStringList texts)
 
 } // namespace
 
-bool Session::s_hasAbandonedCall = false;
-
 Session::Session(const SessionOptions &options) : m_timeout(options.timeout)
 {
-    // The meta-object knows the list by this name, the library registers it by another.
-    qRegisterMetaType<ConfigurationList>("ConfigurationList");
     if (options.collection)
-        setCollection(*options.collection);
-    QObject::connect(&m_library, &ConfigurationManager::disconnected, [this] { m_hasLeft = true; });
+        m_library.setCatalogsCollectionId(*options.collection);
+    // await() counts from another moment than the library.
+    if (hasTimeout())
+        m_library.setTimeout(std::chrono::milliseconds::max());
+    m_library.setMaximumInFlight(1);
+    QObject::connect(&m_library, &AsyncConfigurationManager::disconnected,
+                     [this] { ++m_departures; });
 }
 
 void Session::requireBus() const
@@ -157,18 +147,18 @@ void Session::startService() const
     QCoreApplication::processEvents();
 }
 
-void Session::requireService() const
+void Session::requireService(const Call &call) const
 {
     QDBusMessage ping = QDBusMessage::createMethodCall(serviceName, QStringLiteral("/"),
                                                        QStringLiteral("org.freedesktop.DBus.Peer"),
                                                        QStringLiteral("Ping"));
     ping.setAutoStartService(false);
     QDBusPendingCall answer = QDBusConnection::systemBus().asyncCall(
-        ping, int((m_timeout.count() > 0 ? m_timeout : pingTimeout).count()));
+        ping, int((hasTimeout() ? m_timeout : pingTimeout).count()));
     answer.waitForFinished();
     // The library learns from the event loop that the service has left.
     QCoreApplication::processEvents();
-    if (m_hasLeft)
+    if (m_departures != call.departures)
         throwHasLeft();
     switch (answer.error().type()) {
     case QDBusError::AccessDenied:
@@ -189,43 +179,63 @@ void Session::requireService() const
     }
 }
 
-QVariant Session::resultOf(std::future<QVariant> call) const
+Session::Call Session::begin(const Operation &operation, const QVariantList &arguments)
 {
-    using std::chrono::steady_clock;
+    // The library learns from the event loop that the service has left.
+    QCoreApplication::processEvents();
+    if (!m_library.isConnected())
+        throwHasLeft();
+    return {m_library.callMethod(operation.remoteMethod,
+                                 operation.sent(arguments, m_library.catalogsCollectionId()),
+                                 operation.result.metaType()),
+            givenSecrets(operation, arguments), m_departures};
+}
+
+QVector<QPair<const Setting *, Session::Call>>
+Session::beginToRead(const QVector<const Setting *> &settings)
+{
+    QVector<QPair<const Setting *, Call>> calls;
+    for (const Setting *setting : settings)
+        calls.append({setting, begin(*setting->getter)});
+    return calls;
+}
+
+void Session::await(const Call &call) const
+{
     constexpr std::chrono::milliseconds untilSignalIsSeen{50};
-    const auto begin = steady_clock::now();
-    s_hasAbandonedCall = true;
-    while (call.wait_for(untilSignalIsSeen) != std::future_status::ready) {
+    const QDeadlineTimer deadline =
+        hasTimeout() ? QDeadlineTimer(m_timeout) : QDeadlineTimer(QDeadlineTimer::Forever);
+    QEventLoop loop;
+    const auto wake = [&loop] { loop.quit(); };
+    call.reply.then(
+        &loop, [wake](const QVariant &) { wake(); }, [wake](const QDBusError &) { wake(); });
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, wake);
+    timer.start(untilSignalIsSeen);
+    while (!call.reply.isFinished()) {
+        loop.exec();
         DeferredSignals::throwIfCome();
-        if (m_timeout.count() > 0 && steady_clock::now() - begin > m_timeout) {
+        if (deadline.hasExpired() && !call.reply.isFinished()) {
             throw Failure(ExitStatus::NoAnswer,
                           QStringLiteral("the configuration service has not answered within %1 s")
                               .arg(double(m_timeout.count()) / 1000));
         }
     }
-    s_hasAbandonedCall = false;
-    return call.get();
 }
 
-Reply Session::call(const Operation &operation, const QVariantList &arguments)
+Reply Session::finish(const Call &call)
 {
-    // The library learns from the event loop that the service has left.
-    QCoreApplication::processEvents();
-    m_hasLeft = false;
-    auto call = std::make_shared<std::promise<QVariant>>();
-    std::thread([call, library = &m_library, method = operation.form(arguments.size()),
-                 resultType = operation.result, arguments] {
-        call->set_value(invoke(library, method, resultType, arguments));
-    }).detach();
-    Reply reply;
-    reply.value = resultOf(call->get_future());
-    if (const auto failure = m_log.takeFailure()) {
-        if (failure->notConnected)
-            throwHasLeft();
-        requireService();
-        reply.error = withoutTexts(failure->message, givenSecrets(operation, arguments));
-    }
-    return reply;
+    if (!call.reply.isFinished())
+        await(call);
+    // The bus's time-out is counted from when a call is sent, whatever the service has to do first.
+    if (hasTimeout())
+        m_library.setMaximumInFlight(m_maximumInFlight);
+    if (!call.reply.isError())
+        return {call.reply.value(), {}};
+    const QDBusError error = call.reply.error();
+    if (!isRefusal(error))
+        requireService(call);
+    return {{}, withoutTexts(error.message(), call.secrets)};
 }
 
 } // namespace tool

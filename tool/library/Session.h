@@ -3,19 +3,22 @@
 #ifndef TOOL_LIBRARY_SESSION_H
 #define TOOL_LIBRARY_SESSION_H
 
-#include "library/LibraryLog.h"
 #include "library/Operation.h"
 
-#include <libconfigurationmanager/ConfigurationManager.h>
+#include <libconfigurationmanager-async/AsyncConfigurationManager.h>
 
+#include <QtCore/QPair>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QVariant>
+#include <QtCore/QVector>
 
 #include <chrono>
-#include <future>
 #include <optional>
 
 namespace tool {
+
+struct Setting;
 
 /// The result of an operation, or why the service has refused it.
 struct Reply
@@ -33,13 +36,23 @@ struct SessionOptions
     std::chrono::milliseconds timeout{5000};
 };
 
-/// The library, with its operations called by way of its meta-object.
+/// The service, with its operations called by way of the contract.
 class Session
 {
 public:
+    /// An operation on its way.
+    struct Call
+    {
+        libconfigurationmanager::PendingReply<QVariant> reply;
+        /// What the service was given and nobody may see.
+        QStringList secrets;
+        /// How often the service had left before.
+        int departures;
+    };
+
     explicit Session(const SessionOptions &options);
 
-    libconfigurationmanager::detail::ConfigurationManager &library() { return m_library; }
+    libconfigurationmanager::AsyncConfigurationManager &library() { return m_library; }
 
     // These throw a Failure that says what is missing.
     void requireBus() const;
@@ -52,32 +65,39 @@ public:
     /// the bus does not.
     void startService() const;
 
-    void setCollection(const QString &id) { m_library.setCatalogsCollectionId(id); }
+    /// Begins to call the operation with as many of its arguments as are given.
+    ///
+    /// Calls wait for their answers together, but the first one alone: a service that does not
+    /// answer, or may not be talked to, is asked once.
+    Call begin(const Operation &operation, const QVariantList &arguments = {});
 
-    /// Calls the operation with as many of its arguments as are given.
+    /// Waits for the answer; the time-out is that of an answer after the one that was waited for
+    /// before.
     ///
     /// Throws a Failure when nothing more is to be had from the service: it has gone, does not
     /// answer in time, or may not be talked to; and when a deferred signal comes meanwhile.
-    Reply call(const Operation &operation, const QVariantList &arguments = {});
+    Reply finish(const Call &call);
 
-    /// Whether a call has not been waited for until its end. The library would have the process
-    /// wait for it when it ends in the usual way.
-    static bool hasAbandonedCall() { return s_hasAbandonedCall; }
+    /// Begins to read the settings.
+    QVector<QPair<const Setting *, Call>> beginToRead(const QVector<const Setting *> &settings);
+
+    Reply call(const Operation &operation, const QVariantList &arguments = {})
+    {
+        return finish(begin(operation, arguments));
+    }
 
 private:
-    /// Waits for the call, which goes on when this throws.
-    QVariant resultOf(std::future<QVariant> call) const;
+    bool hasTimeout() const { return m_timeout.count() > 0; }
+    void await(const Call &call) const;
 
-    /// Throws a Failure unless a call that has failed was refused by a service that is there. The
-    /// library tells only what the message of the error was.
-    void requireService() const;
+    /// Throws a Failure unless the service is there, and has been since the call, and answers.
+    void requireService(const Call &call) const;
 
-    LibraryLog m_log;
-    libconfigurationmanager::detail::ConfigurationManager m_library;
-    /// Whether the service has left since the last call was begun.
-    bool m_hasLeft = false;
+    libconfigurationmanager::AsyncConfigurationManager m_library;
+    const int m_maximumInFlight = m_library.maximumInFlight();
     const std::chrono::milliseconds m_timeout;
-    static bool s_hasAbandonedCall;
+    /// How often the service has left.
+    int m_departures = 0;
 };
 
 } // namespace tool
