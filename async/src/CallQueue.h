@@ -30,8 +30,8 @@ public:
     /// Sends the call, or has it wait until there is room on the bus.
     void add(PendingCallPrivate *call);
 
-    /// Ends a call on the bus whose answer is there, after those before it that are answered too, and
-    /// fills their places.
+    /// Ends a call on the bus whose answer is there, after those before it that are answered too,
+    /// and fills their places.
     void settle(PendingCallPrivate *call);
 
     /// Waits for the answer of the call that is on the bus longest.
