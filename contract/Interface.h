@@ -76,6 +76,10 @@ struct Setting
     bool isSecret() const { return primary().isSecret; }
     bool isIdentity() const { return primary().isIdentity; }
     bool isKeyed() const { return primary().has(Role::Key); }
+
+    /// Whether each collection has its value. What is read without a collection id has one value,
+    /// even if it is written with one.
+    bool isPerCollection() const { return (reader ? *reader : *writer).has(Role::CollectionId); }
 };
 
 /// The D-Bus interface of the configuration service, as its introspection XML describes it.

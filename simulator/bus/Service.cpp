@@ -224,6 +224,12 @@ bool Service::answerAboutProperties(const QDBusMessage &message, const QDBusConn
 QVariant Service::carryOut(const Call &call)
 {
     const contract::Method &method = call.method();
+    if (const RecordedAnswer *recorded =
+            m_configuration.profile().recorded(method.name, call.ownArguments())) {
+        if (!recorded->error.isNull())
+            throw failed(recorded->error);
+        return recorded->answer;
+    }
     const auto body = m_methods.constFind(method.name);
     if (body != m_methods.cend())
         return (*body)(call);
@@ -235,7 +241,9 @@ QVariant Service::carryOut(const Call &call)
     if (const Setting *read = m_configuration.settings().readBy(method))
         return converted(m_configuration.value(nameOf(*read, call), call.collectionId()),
                          method.resultType);
-    return m_configuration.answers().value(method.name);
+    // Nothing stands for what a captured service does not tell.
+    const QVariant nothing(metaTypeOf(method.resultType), nullptr);
+    return m_configuration.answers().value(method.name, nothing);
 }
 
 } // namespace simulator

@@ -31,6 +31,15 @@ public:
         return m_arguments.value(m_method.indexOf(role));
     }
 
+    /// The arguments without the collection id, which is the library's and not of its caller.
+    QVariantList ownArguments() const
+    {
+        QVariantList arguments = m_arguments;
+        if (m_method.has(contract::Role::CollectionId))
+            arguments.removeAt(m_method.indexOf(contract::Role::CollectionId));
+        return arguments;
+    }
+
     bool flag() const { return argument(contract::Role::Flag).toBool(); }
     QString collectionId() const { return argument(contract::Role::CollectionId).toString(); }
 

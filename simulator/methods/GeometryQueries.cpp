@@ -150,10 +150,10 @@ MethodTable geometryQueries(const Configuration &configuration)
     // The sizes that a paper can have are those that can be set for the current one.
     const Parameter &width = configuration.parameter(QStringLiteral("PaperWidth"));
     const Parameter &length = configuration.parameter(QStringLiteral("PaperLength"));
-    const QHash<QString, double> bounds{{QStringLiteral("getMinWidth"), *width.min},
-                                        {QStringLiteral("getMaxWidth"), *width.max},
-                                        {QStringLiteral("getMinHeight"), *length.min},
-                                        {QStringLiteral("getMaxHeight"), *length.max}};
+    const QHash<QString, double> bounds{{QStringLiteral("getMinWidth"), width.min.value_or(0)},
+                                        {QStringLiteral("getMaxWidth"), width.max.value_or(0)},
+                                        {QStringLiteral("getMinHeight"), length.min.value_or(0)},
+                                        {QStringLiteral("getMaxHeight"), length.max.value_or(0)}};
     for (auto bound = bounds.begin(); bound != bounds.end(); ++bound)
         methods.insert(bound.key(), [value = *bound](const Call &) { return value; });
     return methods;

@@ -53,6 +53,9 @@ Bounds boundsOf(const Configuration &configuration, const QString &name)
 QString proposition(const Configuration &configuration, const QString &name)
 {
     const QString phrase = configuration.setting(name).meaning;
+    const QString captured = configuration.parameter(name).proposition;
+    if (!captured.isNull())
+        return captured;
     return phrase.left(1).toUpper() + phrase.mid(1);
 }
 
@@ -71,6 +74,16 @@ QString shownValue(const Configuration &configuration, const QString &name)
     return (value.toString() + QLatin1Char(' ') + parameter.unit).trimmed();
 }
 
+QString sentence(const Configuration &configuration, const QString &name)
+{
+    const Parameter &parameter = configuration.parameter(name);
+    // It was said of the value that there was.
+    if (!parameter.sentence.isNull() && configuration.value(name) == parameter.held)
+        return parameter.sentence;
+    return QStringLiteral("%1: %2").arg(proposition(configuration, name),
+                                        shownValue(configuration, name));
+}
+
 QVariantMap descriptionOf(const Configuration &configuration, const QString &name)
 {
     const Setting &setting = configuration.setting(name);
@@ -86,7 +99,17 @@ QVariantMap descriptionOf(const Configuration &configuration, const QString &nam
         const Bounds bounds = configuration.bounds(name);
         map.insert(QStringLiteral("min"), bounds.min);
         map.insert(QStringLiteral("max"), bounds.max);
+        if (bounds.min != *parameter.min)
+            map.insert(QStringLiteral("modelMin"), *parameter.min);
+        if (bounds.max != *parameter.max)
+            map.insert(QStringLiteral("modelMax"), *parameter.max);
     }
+    if (!parameter.follows.isEmpty())
+        map.insert(QStringLiteral("follows"), parameter.follows);
+    if (!parameter.available.isEmpty())
+        map.insert(QStringLiteral("available"), parameter.available);
+    if (configuration.profile().isUserSetting(name))
+        map.insert(QStringLiteral("user"), true);
     if (setting.type == QLatin1String("d"))
         map.insert(QStringLiteral("precision"), parameter.precision);
     if (parameter.maxLength)
@@ -100,19 +123,46 @@ QVariantMap descriptionOf(const Configuration &configuration, const QString &nam
     return map;
 }
 
+QVariantMap descriptionOf(const Cell &cell)
+{
+    return {{QStringLiteral("cellToCell"), cell.cellToCell},
+            {QStringLiteral("horizontal"), cell.horizontalDotToDot},
+            {QStringLiteral("vertical"), cell.verticalDotToDot},
+            {QStringLiteral("lineToLine"), cell.lineToLine},
+            {QStringLiteral("interline"), cell.interline}};
+}
+
 QVariantMap tableMetadata(const Configuration &configuration, const QString &table,
                           const QString &name)
 {
+    const Profile &profile = configuration.profile();
+    const auto require = [&](bool isThere, const char *kind) {
+        if (!isThere)
+            throw unknownName(
+                QStringLiteral("there is no %1 \"%2\"").arg(QLatin1String(kind), name));
+    };
     if (table == QLatin1String("settings"))
         return descriptionOf(configuration, name);
     if (table == QLatin1String("papers")) {
-        const QVariantMap paper = configuration.profile().papers().value(name);
-        if (paper.isEmpty())
-            throw unknownName(QStringLiteral("there is no paper \"%1\"").arg(name));
-        return paper;
+        require(profile.papers().contains(name), "paper");
+        return profile.papers().value(name);
     }
-    throw unknownName(
-        QStringLiteral("there is no table \"%1\"; there are: papers, settings").arg(table));
+    if (table == QLatin1String("cells")) {
+        require(profile.cells().contains(name), "braille distance");
+        return descriptionOf(profile.cells().value(name));
+    }
+    if (table == QLatin1String("lineSpacings")) {
+        require(profile.lineSpacings().contains(name), "line spacing");
+        return {{QStringLiteral("factor"), profile.lineSpacings().value(name)}};
+    }
+    if (table == QLatin1String("page")) {
+        require(name == QLatin1String("unprintable"), "property of the page");
+        return {{QStringLiteral("width"), profile.unprintableWidth()},
+                {QStringLiteral("length"), profile.unprintableLength()}};
+    }
+    throw unknownName(QStringLiteral("there is no table \"%1\"; there are: cells, lineSpacings, "
+                                     "page, papers, settings")
+                          .arg(table));
 }
 
 QVariantMap valuesOf(const Configuration &configuration, const QStringList &names,
@@ -183,10 +233,7 @@ MethodTable parameterQueries(const Configuration &c)
         {QStringLiteral("getProposition"),
          [&c](const Call &call) { return proposition(c, call.text(0)); }},
         {QStringLiteral("getValueSentence"),
-         [&c](const Call &call) {
-             const QString name = call.text(0);
-             return QStringLiteral("%1: %2").arg(proposition(c, name), shownValue(c, name));
-         }},
+         [&c](const Call &call) { return sentence(c, call.text(0)); }},
         // Whole numbers that enclose the bounds, which the models have as such.
         {QStringLiteral("getMinValue"),
          [&c](const Call &call) { return int(std::floor(boundsOf(c, call.text(0)).min)); }},

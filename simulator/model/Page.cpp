@@ -28,7 +28,8 @@ const QString lineSpacing = QStringLiteral("BrailleLineSpacing");
 
 double howManyFit(double each, double length)
 {
-    return std::floor(length / each + tolerance);
+    // What a captured service does not tell is 0.
+    return each > 0 ? std::floor(length / each + tolerance) : 0;
 }
 
 } // namespace
@@ -36,6 +37,19 @@ double howManyFit(double each, double length)
 bool isPageProperty(const QString &property)
 {
     return QStringList{printWidth, printLength, charactersPerLine, linesPerPage}.contains(property);
+}
+
+bool isPaperProperty(const QString &property)
+{
+    static const QStringList properties{
+        QStringLiteral("width"),          QStringLiteral("height"),
+        QStringLiteral("inchesWidth"),    QStringLiteral("inchesHeight"),
+        QStringLiteral("sizeUnit"),       QStringLiteral("unit"),
+        QStringLiteral("stepLength"),     QStringLiteral("stepLengthFraction"),
+        QStringLiteral("feedType"),       QStringLiteral("printHeadOffset"),
+        QStringLiteral("modelMask"),      QStringLiteral("formatOrientation"),
+        QStringLiteral("loadOrientation")};
+    return properties.contains(property);
 }
 
 QStringList sourcesOf(const QString &property)
@@ -86,7 +100,7 @@ double inFeedSteps(double wanted, const QVariantMap &paper)
     const double hundredths = 100;
     const double step = paper.value(QStringLiteral("stepLength")).toInt() +
                         paper.value(QStringLiteral("stepLengthFraction")).toInt() / hundredths;
-    return std::ceil(wanted / step - tolerance) * step;
+    return step > 0 ? std::ceil(wanted / step - tolerance) * step : wanted;
 }
 
 } // namespace simulator

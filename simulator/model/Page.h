@@ -16,6 +16,9 @@ class Profile;
 /// What follows from a paper and from the braille on it, beside the paper's own properties.
 bool isPageProperty(const QString &property);
 
+/// What a paper has.
+bool isPaperProperty(const QString &property);
+
 /// The settings on which a property of the page depends, or of the paper.
 QStringList sourcesOf(const QString &property);
 

@@ -2,6 +2,7 @@
 
 #include "model/Profile.h"
 
+#include "model/DBusTypes.h"
 #include "model/Page.h"
 #include "model/Resources.h"
 #include "model/Settings.h"
@@ -14,7 +15,9 @@
 #include <QtCore/QLocale>
 #include <QtCore/QMetaEnum>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace simulator {
 
@@ -23,6 +26,8 @@ namespace {
 using lcm::FeedType;
 
 const QString abstractBase = QStringLiteral("Embosser");
+const QString captureMember = QStringLiteral("capture");
+const QString inch = QStringLiteral("inch");
 
 QString baseFile(const QString &base, const QString &file)
 {
@@ -130,6 +135,70 @@ QVariant readValue(const JsonNode &node, const QString &dbusType)
     return node.toText();
 }
 
+/// A value with its D-Bus type: {"i": 5}.
+QVariant readTyped(const JsonNode &node);
+
+QVariantMap readTypedMap(const JsonNode &node)
+{
+    QVariantMap map;
+    for (const QString &key : node.keys())
+        map.insert(key, readTyped(node[key]));
+    return map;
+}
+
+QVariant readTyped(const JsonNode &node)
+{
+    const QStringList types = node.keys();
+    if (types.size() != 1)
+        node.refuse(QStringLiteral("is not one value with its type"));
+    const QString &type = types.constFirst();
+    const JsonNode value = node[type];
+    if (type == QLatin1String("a{sv}"))
+        return readTypedMap(value);
+    if (type == QLatin1String("as"))
+        return value.toTexts();
+    if (type == QLatin1String("b"))
+        return value.toBool();
+    if (type == QLatin1String("s"))
+        return value.toText();
+    if (type == QLatin1String("d"))
+        return value.toNumber();
+    // A double has no more whole numbers.
+    const double most = 1LL << std::numeric_limits<double>::digits;
+    static const QHash<QString, QPair<double, double>> ranges{
+        {QStringLiteral("y"), {0, std::numeric_limits<quint8>::max()}},
+        {QStringLiteral("n"),
+         {std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()}},
+        {QStringLiteral("q"), {0, std::numeric_limits<quint16>::max()}},
+        {QStringLiteral("i"),
+         {std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()}},
+        {QStringLiteral("u"), {0, std::numeric_limits<quint32>::max()}},
+        {QStringLiteral("x"), {-most, most}},
+        {QStringLiteral("t"), {0, most}}};
+    const auto range = ranges.constFind(type);
+    if (range == ranges.cend())
+        value.refuse(QStringLiteral("is not of a type that can be read"));
+    const double number = value.toNumber();
+    if (number != std::floor(number) || number < range->first || number > range->second)
+        value.refuse(QStringLiteral("is not a number of its type"));
+    QVariant whole = qint64(number);
+    whole.convert(metaTypeOf(type));
+    return whole;
+}
+
+/// The result of a method.
+QVariant readAnswer(const JsonNode &node, const QString &dbusType)
+{
+    if (dbusType == QLatin1String("a{sv}"))
+        return readTypedMap(node);
+    if (dbusType != QLatin1String("aa{sv}"))
+        return readValue(node, dbusType);
+    MapList list;
+    for (const JsonNode &element : node.elements())
+        list.append(readTypedMap(element));
+    return QVariant::fromValue(list);
+}
+
 Choice readChoice(const JsonNode &node, int position)
 {
     if (node.isNumber())
@@ -173,10 +242,30 @@ QVector<Choice> modelChoices()
     return choices;
 }
 
+/// A paper as an embosser tells it, which may leave out what it does not know.
+QVariantMap readCapturedPaper(const JsonNode &node)
+{
+    const QString unit = QStringLiteral("unit");
+    QVariantMap paper;
+    for (const QString &name : node.keys()) {
+        if (!isPaperProperty(name))
+            node[name].refuse(QStringLiteral("is not a property of a paper"));
+        if (name == QLatin1String("width") || name == QLatin1String("height") ||
+            name == QLatin1String("printHeadOffset"))
+            paper.insert(name, node[name].toNumber());
+        else if (name != unit)
+            paper.insert(name, readInteger(node[name]));
+    }
+    if (node.has(unit)) {
+        paper.insert(QStringLiteral("sizeUnit"), node[unit].toText());
+        paper.insert(unit, node[unit].toText() == inch ? 1 : 0);
+    }
+    return paper;
+}
+
 QVariantMap readPaper(const JsonNode &node)
 {
     using Orientation = lcm::EnumDetail::Orientation;
-    const QString inch = QStringLiteral("inch");
     const double millimetresPerInch = 25.4;
 
     node.allowOnly({QStringLiteral("width"), QStringLiteral("height"), QStringLiteral("unit"),
@@ -222,6 +311,19 @@ Cell readCell(const JsonNode &node)
             node["interline"].toBool()};
 }
 
+/// A cell as an embosser tells it, which may leave out what it does not know.
+Cell readCapturedCell(const JsonNode &node)
+{
+    node.allowOnly({QStringLiteral("cellToCell"), QStringLiteral("horizontal"),
+                    QStringLiteral("vertical"), QStringLiteral("lineToLine"),
+                    QStringLiteral("interline")});
+    const auto length = [&](const char *name) {
+        return node.has(QString::fromLatin1(name)) ? node[name].toNumber() : 0;
+    };
+    return {length("cellToCell"), length("horizontal"), length("vertical"), length("lineToLine"),
+            node.has(QStringLiteral("interline")) && node["interline"].toBool()};
+}
+
 QString numberText(double number)
 {
     return QString::number(number, 'g', QLocale::FloatingPointShortest);
@@ -231,6 +333,17 @@ QString numberText(double number)
 bool isNumeric(const QString &dbusType)
 {
     return dbusType == QLatin1String("i") || dbusType == QLatin1String("d");
+}
+
+/// What stands for a value that is not told: nothing, as near to it as the bounds allow.
+QVariant zeroOf(const QString &dbusType, const Parameter &parameter)
+{
+    QVariant zero(metaTypeOf(dbusType), nullptr);
+    if (isNumeric(dbusType) && parameter.min) {
+        zero = qBound(*parameter.min, 0.0, *parameter.max);
+        zero.convert(metaTypeOf(dbusType));
+    }
+    return zero;
 }
 
 Parameter readParameter(const JsonNode &node, const Setting &setting)
@@ -271,6 +384,56 @@ Parameter readParameter(const JsonNode &node, const Setting &setting)
         allowed << QStringLiteral("maxLength");
     }
     node.allowOnly(allowed, {node["row"], node["follows"]});
+    return parameter;
+}
+
+/// A setting as an embosser tells it, which may leave out what it does not know.
+Parameter readCapturedParameter(const JsonNode &node, const Setting &setting)
+{
+    node.allowOnly({QStringLiteral("value"), QStringLiteral("default"), QStringLiteral("follows"),
+                    QStringLiteral("min"), QStringLiteral("max"), QStringLiteral("precision"),
+                    QStringLiteral("maxLength"), QStringLiteral("unit"), QStringLiteral("row"),
+                    QStringLiteral("below"), QStringLiteral("available"),
+                    QStringLiteral("proposition"), QStringLiteral("sentence")});
+    const auto text = [&](const char *name) {
+        return node.has(QString::fromLatin1(name)) ? node[name].toText() : QString();
+    };
+    const bool isInteger = setting.type == QLatin1String("i");
+    const auto bound = [&](const char *name) -> std::optional<double> {
+        if (!node.has(QString::fromLatin1(name)))
+            return {};
+        return isInteger ? node[name].toInteger() : node[name].toNumber();
+    };
+    const auto count = [&](const char *name) -> std::optional<int> {
+        if (!node.has(QString::fromLatin1(name)))
+            return {};
+        return readCount(node[name]);
+    };
+    const auto value = [&](const char *name) {
+        return node.has(QString::fromLatin1(name)) ? readValue(node[name], setting.type)
+                                                   : QVariant();
+    };
+    Parameter parameter;
+    parameter.follows = text("follows");
+    parameter.held = value("value");
+    parameter.min = bound("min");
+    parameter.max = bound("max");
+    if (parameter.min.has_value() != parameter.max.has_value())
+        node[parameter.min ? "max" : "min"].refuse(QString());
+    if (parameter.follows.isEmpty()) {
+        parameter.initial = value("default");
+        if (!parameter.initial.isValid())
+            parameter.initial = parameter.held;
+        if (!parameter.initial.isValid())
+            parameter.initial = zeroOf(setting.type, parameter);
+    }
+    parameter.precision = count("precision").value_or(0);
+    parameter.maxLength = count("maxLength");
+    parameter.unit = text("unit");
+    parameter.row = text("row");
+    parameter.below = text("below");
+    parameter.proposition = text("proposition");
+    parameter.sentence = text("sentence");
     return parameter;
 }
 
@@ -324,23 +487,32 @@ QString Profile::fileOfBuiltIn(const QString &model)
 
 Profile::Profile(const QString &file, const contract::Interface &interface,
                  const Settings &settings)
-    : m_json(file, baseFile), m_name(QFileInfo(file).completeBaseName())
+    : m_json(file, baseFile),
+      m_name(QFileInfo(file).completeBaseName()),
+      m_isCapture(JsonNode(m_json).has(captureMember))
 {
     const JsonNode root(m_json);
+    if (m_isCapture)
+        readCapture(root[captureMember]);
     root.allowOnly({QStringLiteral("answers"), QStringLiteral("settings"), QStringLiteral("rows"),
                     QStringLiteral("papers"), QStringLiteral("unprintable"),
                     QStringLiteral("cells"), QStringLiteral("lineSpacings"),
                     QStringLiteral("documents"), QStringLiteral("layoutParameters"),
-                    QStringLiteral("temporaryProperties"), QStringLiteral("userSettings")});
+                    QStringLiteral("temporaryProperties"), QStringLiteral("userSettings"),
+                    QStringLiteral("recorded"), captureMember});
 
     readAnswers(root["answers"], interface);
     for (const QString &name : root["papers"].keys())
-        m_papers.insert(name, readPaper(root["papers"][name]));
+        m_papers.insert(name, m_isCapture ? readCapturedPaper(root["papers"][name])
+                                          : readPaper(root["papers"][name]));
     root["unprintable"].allowOnly({QStringLiteral("width"), QStringLiteral("length")});
-    m_unprintableWidth = readNotNegative(root["unprintable"]["width"]);
-    m_unprintableLength = readNotNegative(root["unprintable"]["length"]);
+    if (!m_isCapture || !root["unprintable"].keys().isEmpty()) {
+        m_unprintableWidth = readNotNegative(root["unprintable"]["width"]);
+        m_unprintableLength = readNotNegative(root["unprintable"]["length"]);
+    }
     for (const QString &name : root["cells"].keys())
-        m_cells.insert(name, readCell(root["cells"][name]));
+        m_cells.insert(name, m_isCapture ? readCapturedCell(root["cells"][name])
+                                         : readCell(root["cells"][name]));
     for (const QString &name : root["lineSpacings"].keys())
         m_lineSpacings.insert(name, readPositive(root["lineSpacings"][name]));
     root["documents"].allowOnly(
@@ -350,12 +522,25 @@ Profile::Profile(const QString &file, const contract::Interface &interface,
         for (const QString &name : documents.keys())
             m_documents[kind].insert(name, documents[name].toText());
     }
-    if (suitablePapers().isEmpty())
+    if (suitablePapers().isEmpty() && !m_isCapture)
         root["answers"]["getMaskValue"].refuse(
             QStringLiteral("there is no paper for it and for getFeedType"),
             {root["answers"]["getFeedType"], root["papers"]});
     readRows(root["rows"]);
     readParameters(root["settings"], settings);
+    if (!m_isCapture)
+        checkConsistency(root);
+    checkFollowing(root["settings"]);
+    checkOrder(root["settings"]);
+    m_layoutParameters = readSettingNames(root["layoutParameters"]);
+    m_temporaryProperties = readSettingNames(root["temporaryProperties"]);
+    readUserSettings(root["userSettings"], settings);
+    if (root.has(QStringLiteral("recorded")))
+        readRecorded(root["recorded"], interface);
+}
+
+void Profile::checkConsistency(const JsonNode &root) const
+{
     requireChoicesOf(currentPaper(), root["papers"]);
     requireChoicesOf(QStringLiteral("BrailleCellSize"), root["cells"]);
     requireChoicesOf(QStringLiteral("GraphicCellSize"), root["cells"]);
@@ -370,11 +555,53 @@ Profile::Profile(const QString &file, const contract::Interface &interface,
     }
     checkDuplex(root);
     checkPapers(root["papers"]);
-    checkFollowing(root["settings"]);
-    checkOrder(root["settings"]);
-    m_layoutParameters = readSettingNames(root["layoutParameters"]);
-    m_temporaryProperties = readSettingNames(root["temporaryProperties"]);
-    readUserSettings(root["userSettings"], settings);
+}
+
+void Profile::readCapture(const JsonNode &node)
+{
+    const QString collection = QStringLiteral("collection");
+    node.allowOnly({QStringLiteral("tool"), QStringLiteral("leftOut"), collection});
+    if (node.has(collection))
+        m_capturedCollection = node[collection].toText();
+}
+
+void Profile::readRecorded(const JsonNode &node, const contract::Interface &interface)
+{
+    const QString error = QStringLiteral("error");
+    for (const JsonNode &element : node.elements()) {
+        element.allowOnly({QStringLiteral("method"), QStringLiteral("arguments"),
+                           element.has(error) ? error : QStringLiteral("answer")});
+        const contract::Method *method = interface.method(element["method"].toText());
+        if (!method || method->writes || method->resultType.isEmpty())
+            element["method"].refuse(QStringLiteral("is not a query of the service"));
+        QStringList types;
+        for (const contract::Argument &argument : method->arguments) {
+            if (argument.role != contract::Role::CollectionId)
+                types += argument.type;
+        }
+        RecordedAnswer recorded;
+        const QVector<JsonNode> arguments = element["arguments"].elements();
+        if (arguments.size() != types.size())
+            element["arguments"].refuse(QStringLiteral("are not those of the method"));
+        for (int i = 0; i < arguments.size(); ++i)
+            recorded.arguments += readValue(arguments[i], types[i]);
+        if (element.has(error))
+            recorded.error = element["error"].toText();
+        else
+            recorded.answer = readAnswer(element["answer"], method->resultType);
+        m_recorded[method->name].append(recorded);
+    }
+}
+
+const RecordedAnswer *Profile::recorded(const QString &method, const QVariantList &arguments) const
+{
+    const auto answers = m_recorded.constFind(method);
+    if (answers == m_recorded.cend())
+        return nullptr;
+    const auto found =
+        std::find_if(answers->cbegin(), answers->cend(),
+                     [&](const RecordedAnswer &each) { return each.arguments == arguments; });
+    return found == answers->cend() ? nullptr : &*found;
 }
 
 void Profile::readAnswers(const JsonNode &node, const contract::Interface &interface)
@@ -385,7 +612,8 @@ void Profile::readAnswers(const JsonNode &node, const contract::Interface &inter
             node[name].refuse(QStringLiteral("is not a method of the service"));
         m_answers.insert(name, readValue(node[name], method->resultType));
     }
-    checkAnswers(node);
+    if (!m_isCapture)
+        checkAnswers(node);
 }
 
 QStringList Profile::rulesThatHold() const
@@ -432,22 +660,24 @@ void Profile::readRows(const JsonNode &node)
     QStringList names;
     for (int i = 0; i < rows.keyCount(); ++i) {
         const QString name = QString::fromLatin1(rows.key(i));
-        if (m_rows.contains(name))
+        // A captured service tells these lists as well, but perhaps not all of the others.
+        if (m_isCapture ? !node.has(name) : m_rows.contains(name))
             continue;
         names += name;
         QVector<Choice> &choices = m_rows[name];
+        choices.clear();
         int position = 0;
         for (const JsonNode &element : node[name].elements()) {
             const Choice choice = readChoice(element, position++);
             if (!unfulfilledRules(element).isEmpty())
                 continue;
-            for (const Choice &other : qAsConst(choices)) {
+            for (const Choice &other : m_isCapture ? QVector<Choice>() : choices) {
                 if (choice.key == other.key || choice.value == other.value)
                     element.refuse(QStringLiteral("has the key or the value of another entry"));
             }
             choices.append(choice);
         }
-        if (choices.isEmpty())
+        if (choices.isEmpty() && !m_isCapture)
             node[name].refuse(QStringLiteral("is empty"));
     }
     node.allowOnly(names);
@@ -463,26 +693,32 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
         if (setting->keyed != name.contains(QLatin1Char('/')))
             member.refuse(setting->keyed ? QStringLiteral("needs a key, after a slash")
                                          : QStringLiteral("takes no key"));
-        Parameter parameter = readParameter(member, *setting);
+        Parameter parameter =
+            m_isCapture ? readCapturedParameter(member, *setting) : readParameter(member, *setting);
         parameter.fixedBy = unfulfilledRules(member);
+        if (member.has(QStringLiteral("available")))
+            parameter.available = member["available"].toTexts();
         m_parameters.insert(name, parameter);
-        if (!parameter.row.isEmpty() && !m_rows.contains(parameter.row))
+        if (!parameter.row.isEmpty() && !m_isCapture && !m_rows.contains(parameter.row))
             member["row"].refuse(QStringLiteral("is not a value list"));
         if (parameter.follows.isEmpty()) {
             const QString objection = objectionTo(name, parameter.initial);
-            if (!objection.isEmpty())
+            if (!objection.isEmpty() && !m_isCapture)
                 member["default"].refuse(objection, constraintsOf(name));
-        } else if (!m_papers.first().contains(parameter.follows) &&
-                   !isPageProperty(parameter.follows)) {
+        } else if (!isPageProperty(parameter.follows) && !isPaperProperty(parameter.follows)) {
             member["follows"].refuse(QStringLiteral("is not a property of a paper or a page"));
         }
     }
     for (const Setting &setting : settings.all()) {
         const QString name = setting.keyed ? setting.name + QLatin1Char('/') : setting.name;
         const auto next = m_parameters.lowerBound(name);
-        if (next == m_parameters.cend() ||
-            !(setting.keyed ? next.key().startsWith(name) : next.key() == name))
+        if (next != m_parameters.cend() &&
+            (setting.keyed ? next.key().startsWith(name) : next.key() == name))
+            continue;
+        if (!m_isCapture)
             node[name].refuse(QString());
+        if (!setting.keyed)
+            m_parameters[name].initial = zeroOf(setting.type, {});
     }
 }
 
@@ -578,7 +814,7 @@ void Profile::checkOrder(const JsonNode &node) const
         const auto upper = m_parameters.constFind(lower->below);
         if (upper == m_parameters.cend() || !upper->min)
             below.refuse(QStringLiteral("is not a setting that has bounds"));
-        if (!(lower->initial.toDouble() < upper->initial.toDouble()))
+        if (!m_isCapture && !(lower->initial.toDouble() < upper->initial.toDouble()))
             node[lower.key()]["default"].refuse(
                 QStringLiteral("is not below that of %1").arg(lower->below),
                 {below, node[lower->below]["default"]});
@@ -609,6 +845,12 @@ QStringList Profile::readSettingNames(const JsonNode &node) const
 
 void Profile::readUserSettings(const JsonNode &node, const Settings &settings)
 {
+    const QString names = QStringLiteral("names");
+    if (node.has(names)) {
+        node.allowOnly({names});
+        m_userSettings = readSettingNames(node[names]);
+        return;
+    }
     node.allowOnly({QStringLiteral("families"), QStringLiteral("except")});
     const QStringList except = readSettingNames(node["except"]);
     for (const JsonNode &element : node["families"].elements()) {
@@ -625,6 +867,8 @@ void Profile::readUserSettings(const JsonNode &node, const Settings &settings)
 QString Profile::objectionTo(const QString &name, const QVariant &value) const
 {
     const Parameter parameter = m_parameters.value(name);
+    if (parameter.held.isValid() && value == parameter.held)
+        return {};
     const bool isText = value.userType() == QMetaType::QString;
     const QString shown = isText ? QStringLiteral("the value") : value.toString();
     if (!parameter.row.isEmpty()) {
@@ -656,7 +900,7 @@ void Profile::requireAnswers(const QStringList &methods) const
 {
     const JsonNode answers = JsonNode(m_json)["answers"];
     for (const QString &method : methods) {
-        if (!m_answers.contains(method))
+        if (!m_isCapture && !m_answers.contains(method))
             answers[method].refuse(QString());
     }
     for (const QString &method : m_answers.keys()) {

@@ -5,6 +5,7 @@
 
 #include "model/LayeredJson.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -27,6 +28,8 @@ struct Parameter
 {
     QVariant initial; ///< the value until one is set; invalid if that follows something
     QString follows;  ///< the property of the page that gives the value until one is set
+    /// What the captured service had; it is as if it had been set. Invalid if that is the same.
+    QVariant held;
     std::optional<double> min;
     std::optional<double> max;
     int precision = 0; ///< decimals
@@ -34,8 +37,21 @@ struct Parameter
     QString row; ///< name of the value list that has the allowed values; may be empty
     std::optional<int> maxLength; ///< of a text, in bytes of UTF-8
     QString below; ///< the setting whose value is to stay above this one's; may be empty
-    /// The rule by which the model cannot have another value than the initial one; may be empty.
+    /// The rules of which one must hold for another value than the initial one; may be empty.
+    QStringList available;
+    /// Those of them, if none holds for the model.
     QString fixedBy;
+    /// What the captured service said of the setting, and of the value that it had; may be null.
+    QString proposition;
+    QString sentence;
+};
+
+/// What a captured service answered to a call that the rest of the profile cannot tell.
+struct RecordedAnswer
+{
+    QVariantList arguments; ///< without the collection id
+    QVariant answer;
+    QString error; ///< why the call was refused; null if it was answered
 };
 
 /// One entry of a value list.
@@ -45,14 +61,14 @@ struct Choice
     int value;   ///< what a number setting holds
 };
 
-/// Braille distances in millimetres.
+/// Braille distances in millimetres; 0 is one that a captured service does not tell.
 struct Cell
 {
-    double cellToCell;
-    double horizontalDotToDot;
-    double verticalDotToDot;
-    double lineToLine;
-    bool interline; ///< whether the dots of the back stand between the lines of the front
+    double cellToCell = 0;
+    double horizontalDotToDot = 0;
+    double verticalDotToDot = 0;
+    double lineToLine = 0;
+    bool interline = false; ///< whether the dots of the back stand between the lines of the front
 };
 
 /// An embosser model: everything that the service knows without being told over the bus.
@@ -104,8 +120,14 @@ public:
     /// has a text that somebody may have typed.
     QString objectionTo(const QString &name, const QVariant &value) const;
 
-    /// Throws JsonError unless exactly these methods have an answer.
+    /// Throws JsonError unless exactly these methods have an answer; in a capture, none but these.
     void requireAnswers(const QStringList &methods) const;
+
+    /// Null when there is none for the call. The arguments are without the collection id.
+    const RecordedAnswer *recorded(const QString &method, const QVariantList &arguments) const;
+
+    /// The collection whose values a capture has; null if it is the master.
+    QString capturedCollection() const { return m_capturedCollection; }
 
 private:
     void readAnswers(const JsonNode &node, const contract::Interface &interface);
@@ -126,11 +148,19 @@ private:
     /// What the profile says of the values that a setting can have.
     QVector<JsonNode> constraintsOf(const QString &setting) const;
     void readUserSettings(const JsonNode &node, const Settings &settings);
+    void readCapture(const JsonNode &node);
+    void readRecorded(const JsonNode &node, const contract::Interface &interface);
+    /// Refuses what the model says of itself if it does not fit together.
+    void checkConsistency(const JsonNode &root) const;
     QStringList readSettingNames(const JsonNode &node) const;
     QStringList suitablePapers() const;
 
     const LayeredJson m_json;
     const QString m_name;
+    /// Whether an embosser has said all this, so that it may lack something or contradict itself.
+    const bool m_isCapture;
+    QString m_capturedCollection;
+    QHash<QString, QVector<RecordedAnswer>> m_recorded; ///< by method
     QMap<QString, QVariant> m_answers;
     QMap<QString, Parameter> m_parameters;
     QMap<QString, QVector<Choice>> m_rows;

@@ -15,12 +15,9 @@ Settings::Settings(const contract::Interface &interface)
     for (const contract::Setting &setting : interface.settings()) {
         if (!setting.writer || commands.contains(setting.name))
             continue;
-        // What is read without a collection id has one value, even if it is written with one.
-        const contract::Method &decisive = setting.reader ? *setting.reader : *setting.writer;
-        m_settings.insert(setting.name,
-                          {setting.name, setting.type(), setting.writer->family,
-                           setting.writer->meaning, decisive.has(contract::Role::CollectionId),
-                           setting.isKeyed(), setting.isSecret()});
+        m_settings.insert(setting.name, {setting.name, setting.type(), setting.writer->family,
+                                         setting.writer->meaning, setting.isPerCollection(),
+                                         setting.isKeyed(), setting.isSecret()});
     }
 }
 

@@ -55,6 +55,7 @@ void runSimulation(const Options &options)
     if (!warning.isEmpty())
         std::fprintf(stderr, "embosser-simulator: %s\n", qPrintable(warning));
     Configuration configuration(settings, profile, store);
+    configuration.takeHeldValues();
     UserSettings userSettings(configuration, store, options.usbDirectory);
     ServiceLog log;
     CallRecord calls(interface);

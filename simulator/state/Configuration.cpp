@@ -21,6 +21,9 @@ namespace {
 // The collections beside the master.
 const QString collectionsScope = QStringLiteral("collections");
 const QString deviceScope = QStringLiteral("device");
+// Whether what a captured service held has been set.
+const QString captureScope = QStringLiteral("capture");
+const QString takenName = QStringLiteral("taken");
 const QString paperSize = Profile::currentPaper();
 
 QString collectionScope(const QString &collection)
@@ -237,6 +240,36 @@ void Configuration::reset(const QString &name, const QString &collection)
 void Configuration::clear()
 {
     m_store.clear();
+    takeHeldValues();
+}
+
+void Configuration::takeHeldValues()
+{
+    const QString captured = m_profile.capturedCollection();
+    const QString collection = captured.isNull() ? masterCollection() : captured;
+    const auto &parameters = m_profile.parameters();
+    QStringList names;
+    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
+        if (parameter->held.isValid())
+            names += parameter.key();
+    }
+    if (names.isEmpty() || m_store.value(captureScope, takenName).isValid())
+        return;
+    // What others follow comes first: only then is known what is not as it follows.
+    std::stable_sort(names.begin(), names.end(), [this](const QString &a, const QString &b) {
+        return depthOf(a) < depthOf(b);
+    });
+    Store::Transaction transaction(m_store);
+    m_store.setValue(captureScope, takenName, true);
+    for (const QString &name : qAsConst(names)) {
+        const QVariant held = parameter(name).held;
+        if (held == initialValue(name, collection))
+            continue;
+        m_store.setValue(scopeOf(setting(name), collection), name, held);
+        if (setting(name).perCollection && collection != masterCollection())
+            m_store.setValue(collectionsScope, collection, true);
+    }
+    transaction.commit();
 }
 
 void Configuration::setValues(const QString &collection, const QVariantMap &values)

@@ -72,6 +72,9 @@ public:
     /// Has the model's values again in all collections, and only the master collection.
     void clear();
 
+    /// Sets what a captured service held, once for each state that is kept.
+    void takeHeldValues();
+
     /// The master first; the others are those in which something has been set, or that are
     /// duplicates.
     QStringList collections() const;

@@ -6,6 +6,15 @@
 #include <QtCore/QFileInfo>
 #include <QtTest/QTest>
 
+namespace {
+
+const QString nothingCaptured = QStringLiteral(
+    R"({"capture": {}, "answers": {}, "settings": {}, "rows": {}, "papers": {}, "unprintable": {},
+"cells": {}, "lineSpacings": {}, "documents": {}, "layoutParameters": [],
+"temporaryProperties": [], "userSettings": {"names": []}, "recorded": []})");
+
+} // namespace
+
 class TestProfiles : public QObject
 {
     Q_OBJECT
@@ -299,6 +308,59 @@ private Q_SLOTS:
         row("unknown family", R"({"base": "Arvo", "userSettings": {
 "families": ["Sound"]}})",
             2, "userSettings/families/0: is not a family of settings");
+        row("user setting that is none", R"({"base": "Arvo", "userSettings": {
+"families": null, "except": null, "names": [
+"TabSize", "TabSiez"]}})",
+            3, "userSettings/names/1: is not a setting");
+        row("recorded answer of no method", R"({"base": "Arvo", "recorded": [
+{"method": "isAvro", "arguments": [], "answer": true}]})",
+            2, "recorded/0/method: is not a query of the service");
+        row("recorded answer of a command", R"({"base": "Arvo", "recorded": [
+{"method": "setTabSize", "arguments": [4], "error": "no"}]})",
+            2, "recorded/0/method: is not a query of the service");
+        row("recorded answer to other arguments", R"({"base": "Arvo", "recorded": [
+{"method": "getTabSize", "arguments": [4], "answer": 4}]})",
+            2, "recorded/0/arguments: are not those of the method");
+        row("recorded answer of another type", R"({"base": "Arvo", "recorded": [
+{"method": "getTabSize", "arguments": [],
+"answer": "four"}]})",
+            3, "recorded/0/answer: is neither a number nor the key of an enumeration");
+        row("recorded map without types", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": 4}}]})",
+            3, "recorded/0/answer/min: is not an object");
+        row("recorded map of unknown types", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": {"z": 4}}}]})",
+            3, "recorded/0/answer/min/z: is not of a type that can be read");
+        row("recorded map of two types", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": {"d": 4, "i": 4}}}]})",
+            3, "recorded/0/answer/min: is not one value with its type");
+        row("recorded number out of its type", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": {"i": 4.5}}}]})",
+            3, "recorded/0/answer/min/i: is not a number of its type");
+        row("recorded number beyond its type", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": {"y": 256}}}]})",
+            3, "recorded/0/answer/min/y: is not a number of its type");
+        row("recorded number beyond a double", R"({"base": "Arvo", "recorded": [
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+"answer": {"min": {"t": 1e300}}}]})",
+            3, "recorded/0/answer/min/t: is not a number of its type");
+        row("captured bound of an integer that is none", R"({"base": "captured.json", "settings": {
+"AlignLow": {"min": 0.5, "max": 4}}})",
+            2, "settings/AlignLow/min: is not a 32-bit integer");
+        row("captured setting with half its bounds", R"({"base": "captured.json", "settings": {
+"AlignLow": {"min": 4}}})",
+            2, "settings/AlignLow/max: is missing");
+        row("captured setting with an unknown member", R"({"base": "captured.json", "settings": {
+"AlignLow": {"valeu": 4}}})",
+            2, "settings/AlignLow/valeu: is none of: value, default, ");
+        row("captured paper with an unknown member", R"({"base": "captured.json", "papers": {
+"A4": {"widht": 4}}})",
+            2, "papers/A4/widht: is not a property of a paper");
     }
 
     void aBrokenProfileIsRefusedWithFileLineAndReason()
@@ -306,6 +368,7 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(int, line);
         QFETCH(QString, reason);
+        write(QStringLiteral("captured.json"), nothingCaptured);
         write(QStringLiteral("profile-base.json"),
               QStringLiteral("{\"base\": \"Arvo\", \"layoutParameters\": [\"Counter/8\"]}"));
         const QString path = write(QStringLiteral("profile.json"), text);
@@ -364,6 +427,82 @@ private Q_SLOTS:
         const QVariantList name{QStringLiteral("TopOfForm")};
         QCOMPARE(simulator.value("getMinValue", name), QVariant(-1));
         QCOMPARE(simulator.value("getMaxValue", name), QVariant(100));
+    }
+
+    void aCapturedServiceMayTellNothing()
+    {
+        Simulator simulator(m_bus);
+        simulator.start(
+            {QStringLiteral("--profile"), write(QStringLiteral("captured.json"), nothingCaptured)});
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(simulator.value("getTabSize"), QVariant(0));
+        QCOMPARE(simulator.value("getSerialNo", master), QVariant(QString()));
+        QCOMPARE(simulator.value("getTopOfForm", master), QVariant(0.0));
+        QCOMPARE(simulator.value("getType"), QVariant(0));
+        QCOMPARE(simulator.value("getMaxWidth"), QVariant(0.0));
+        QCOMPARE(simulator.value("getValueList", {7}).toList(), QVariantList());
+        QCOMPARE(simulator.error("getMinValue", {QStringLiteral("AlignLow")}),
+                 QStringLiteral("AlignLow has no bounds"));
+        QVERIFY(!simulator.error("getWidthForPaper", {QStringLiteral("A4")}).isEmpty());
+        QVERIFY(!simulator.error("getReleaseTime", {QStringLiteral("Open"), master[0]}).isEmpty());
+        QCOMPARE(simulator.error("setAlignLow", {5, master[0], false}), QString());
+        QCOMPARE(simulator.value("getAlignLow", master), QVariant(5));
+    }
+
+    void aCapturedServiceMayContradictItself()
+    {
+        write(QStringLiteral("captured.json"), nothingCaptured);
+        const QString path =
+            write(QStringLiteral("odd.json"), QStringLiteral(R"({"base": "captured.json",
+"answers": {"getType": 99, "isArvo": true, "isKestan": true},
+"rows": {"OnOff": [{"key": "Off", "value": 0}, {"key": "Off", "value": 0}]},
+"settings": {
+"AlignLow": {"value": 500, "min": -100, "max": 100},
+"HTTPS": {"value": 7, "row": "OnOff"},
+"Parity": {"value": "Mark", "row": "Parity"},
+"PaperSize": {"value": "A99", "row": "Papers"}}})"));
+        Simulator simulator(m_bus);
+        simulator.start({QStringLiteral("--profile"), path});
+        const QVariantList master{Simulator::masterCollection()};
+        QCOMPARE(simulator.value("getType"), QVariant(99));
+        QCOMPARE(simulator.value("getAlignLow", master), QVariant(500));
+        QCOMPARE(simulator.value("getHTTPS", master), QVariant(7));
+        QCOMPARE(simulator.value("getParity", master), QVariant("Mark"));
+        QCOMPARE(simulator.value("getPaperSize", master), QVariant("A99"));
+        QCOMPARE(simulator.value("getValueList", {int(2)}).toList().size(), 2);
+        QCOMPARE(simulator.error("setAlignLow", {101, master[0], false}),
+                 QStringLiteral("AlignLow: 101 is not between -100 and 100"));
+        QCOMPARE(simulator.error("setAlignLow", {100, master[0], false}), QString());
+        QCOMPARE(simulator.error("setAlignLow", {500, master[0], false}), QString());
+    }
+
+    void anAnswerMayBeRecorded()
+    {
+        const QString path =
+            write(QStringLiteral("recorded.json"), QStringLiteral(R"({"base": "Arvo", "recorded": [
+{"method": "getTabSize", "arguments": [], "answer": 3},
+{"method": "getAlignLow", "arguments": [], "error": "not now"},
+{"method": "getWidthForPaper", "arguments": ["A5"], "answer": 148},
+{"method": "getVolumeFineAdjustmentLimits", "arguments": [],
+ "answer": {"whole": {"i": 4}, "real": {"d": 4}, "map": {"a{sv}": {"text": {"s": "x"}}}}},
+{"method": "getValueList", "arguments": [1], "answer": [{"name": {"as": ["a", "b"]}}]}]})"));
+        Simulator simulator(m_bus);
+        simulator.start({QStringLiteral("--profile"), path});
+        QCOMPARE(simulator.value("getTabSize"), QVariant(3));
+        QCOMPARE(simulator.error("getAlignLow", {QStringLiteral("any collection")}),
+                 QStringLiteral("not now"));
+        QCOMPARE(simulator.value("getWidthForPaper", {QStringLiteral("A5")}), QVariant(148.0));
+        QCOMPARE(simulator.value("getWidthForPaper", {QStringLiteral("A4")}), QVariant(210.0));
+        const QVariantMap limits = simulator.value("getVolumeFineAdjustmentLimits").toMap();
+        QCOMPARE(limits.value(QStringLiteral("whole")).userType(), int(QMetaType::Int));
+        QCOMPARE(limits.value(QStringLiteral("real")).userType(), int(QMetaType::Double));
+        QCOMPARE(limits.size(), 3);
+        QCOMPARE(simulator.value("getValueList", {1})
+                     .toList()
+                     .value(0)
+                     .toMap()
+                     .value(QStringLiteral("name")),
+                 QVariant(QStringList{QStringLiteral("a"), QStringLiteral("b")}));
     }
 
     void aProfileMayBeBasedOnAnotherFile()

@@ -398,7 +398,9 @@ private Q_SLOTS:
                 .value(QStringLiteral("width")),
             QVariant(210.0));
         QCOMPARE(m_simulator.error("getTableMetadata", {QStringLiteral("no"), QString()}),
-                 QStringLiteral("there is no table \"no\"; there are: papers, settings"));
+                 QStringLiteral(
+                     "there is no table \"no\"; there are: cells, lineSpacings, page, papers, "
+                     "settings"));
         QCOMPARE(m_simulator.value("getProposition", {QStringLiteral("Baudrate")}),
                  QVariant("The baud rate of the serial line"));
         QCOMPARE(m_simulator.value("getValueSentence", {QStringLiteral("Baudrate")}),

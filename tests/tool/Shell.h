@@ -21,6 +21,9 @@ class Shell
 public:
     Outcome run(const QString &commandLine, const QString &interpreter = QStringLiteral("sh"));
 
+    /// The whole name of a file in that directory.
+    QString path(const QString &file) const { return m_directory.filePath(file); }
+
 private:
     QTemporaryDir m_directory;
 };

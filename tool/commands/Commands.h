@@ -22,6 +22,7 @@ Command reportCommand();
 Command dumpCommand();
 Command diffCommand();
 Command restoreCommand();
+Command captureCommand();
 Command monitorCommand();
 Command watchCommand();
 Command waitCommand();
@@ -29,10 +30,10 @@ Command waitCommand();
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(),  listCommand(),     describeCommand(), getCommand(),
-            setCommand(),     settingsCommand(), callCommand(),     valuesCommand(),
-            paperCommand(),   reportCommand(),   dumpCommand(),     diffCommand(),
-            restoreCommand(), monitorCommand(),  watchCommand(),    waitCommand()};
+    return {statusCommand(),   listCommand(), describeCommand(), getCommand(),     setCommand(),
+            settingsCommand(), callCommand(), valuesCommand(),   paperCommand(),   reportCommand(),
+            dumpCommand(),     diffCommand(), restoreCommand(),  captureCommand(), monitorCommand(),
+            watchCommand(),    waitCommand()};
 }
 
 } // namespace tool
