@@ -80,14 +80,13 @@ void checkDetail(const KindDescription &description, const QString &detail)
 
 Faults::Faults(const contract::Interface &interface) : m_interface(interface) {}
 
-QString Faults::kinds()
+QVector<QStringList> Faults::kinds()
 {
-    QString text;
+    QVector<QStringList> rows;
     for (const KindDescription &description : descriptions)
-        text += QStringLiteral("%1: %2\n")
-                    .arg(QString::fromLatin1(description.name),
-                         QString::fromLatin1(description.meaning));
-    return text;
+        rows.append(
+            {QString::fromLatin1(description.name), QString::fromLatin1(description.meaning)});
+    return rows;
 }
 
 QString Faults::nameOf(Fault::Kind kind)

@@ -48,7 +48,7 @@ public:
     explicit Faults(const contract::Interface &interface);
 
     /// The names of the kinds, each with its meaning and that of its detail, for a reader.
-    static QString kinds();
+    static QVector<QStringList> kinds();
     static QString nameOf(Fault::Kind kind);
 
     /// Throws a Refusal if there is no such kind or method, or the detail is not what it takes.

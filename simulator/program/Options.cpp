@@ -4,10 +4,12 @@
 
 #include "bus/Faults.h"
 #include "model/Profile.h"
+#include "program/Documentation.h"
 
 #include <QtCore/QCommandLineParser>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace simulator {
 
@@ -25,45 +27,65 @@ QString fileOfModel(const QString &model)
     return Profile::fileOfBuiltIn(model);
 }
 
+QString faultKinds()
+{
+    QString text;
+    for (const QStringList &kind : Faults::kinds())
+        text += QStringLiteral("%1: %2\n").arg(kind[0], kind[1]);
+    return text;
+}
+
 } // namespace
 
 Options optionsFrom(const QStringList &arguments)
 {
     const QCommandLineOption model(
         QStringLiteral("model"),
-        QStringLiteral("Simulate this model (default: %1).").arg(defaultModel),
-        QStringLiteral("name"), defaultModel);
+        QStringLiteral("Simulate this model (default: %1).").arg(defaultModel), ValueName::model(),
+        defaultModel);
     const QCommandLineOption listModels(QStringLiteral("list-models"),
                                         QStringLiteral("List the models and exit."));
     const QCommandLineOption profile(QStringLiteral("profile"),
                                      QStringLiteral("Simulate the model that a file describes."),
-                                     QStringLiteral("file"));
+                                     ValueName::file());
     const QCommandLineOption state(
         QStringLiteral("state"),
         QStringLiteral("Keep the state in a file (default: in memory, lost at the end)."),
-        QStringLiteral("file"));
+        ValueName::file());
     const QCommandLineOption usb(
         QStringLiteral("usb"),
         QStringLiteral("The directory that stands for the USB medium (default: none is there)."),
-        QStringLiteral("directory"));
-    const QCommandLineOption fault(
-        QStringLiteral("fault"),
-        QStringLiteral("Let the next calls of a method, or of any (*), meet a fault; may be "
-                       "repeated. The faults are:\n") +
-            Faults::kinds(),
-        QStringLiteral("fault:method[:calls[:detail]]"));
+        ValueName::directory());
+    QCommandLineOption fault(QStringLiteral("fault"),
+                             QStringLiteral("Let the next calls of a method, or of any (*), meet a "
+                                            "fault; may be repeated."),
+                             QStringLiteral("fault:method[:calls[:detail]]"));
+    QCommandLineOption generate(QStringLiteral("generate"), {}, QStringLiteral("kind"));
+    generate.setFlags(QCommandLineOption::HiddenFromHelp);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Simulates the configuration service of a Braille embosser on the system bus, or on the\n"
         "bus that DBUS_SYSTEM_BUS_ADDRESS names."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addOptions({model, listModels, profile, state, usb, fault});
+    const QList<QCommandLineOption> documented{parser.addHelpOption(),
+                                               parser.addVersionOption(),
+                                               model,
+                                               listModels,
+                                               profile,
+                                               state,
+                                               usb,
+                                               fault};
+    fault.setDescription(fault.description() + QStringLiteral(" The faults are:\n") + faultKinds());
+    parser.addOptions({model, listModels, profile, state, usb, fault, generate});
     if (!parser.parse(arguments))
         throw UsageError(parser.errorText().toStdString());
     parser.process(arguments);
 
+    if (parser.isSet(generate)) {
+        const QString text = documentation(parser.value(generate), documented);
+        std::fputs(text.toUtf8().constData(), stdout);
+        std::exit(EXIT_SUCCESS);
+    }
     if (!parser.positionalArguments().isEmpty())
         throw UsageError(QStringLiteral("unexpected argument \"%1\"; see --help")
                              .arg(parser.positionalArguments().constFirst())

@@ -26,8 +26,16 @@ struct Options
     QStringList faults;   ///< as Faults::inject() takes them
 };
 
-/// Reads a command line, which begins with the program. Answers --help, --version and --list-models
-/// itself, and ends the process. Throws UsageError.
+/// What the values of options are called, by which a shell knows how to complete them.
+struct ValueName
+{
+    static QString model() { return QStringLiteral("name"); }
+    static QString file() { return QStringLiteral("file"); }
+    static QString directory() { return QStringLiteral("directory"); }
+};
+
+/// Reads a command line, which begins with the program. Answers --help, --version, --list-models
+/// and what the build asks for itself, and ends the process. Throws UsageError.
 Options optionsFrom(const QStringList &arguments);
 
 } // namespace simulator

@@ -11,7 +11,7 @@ namespace {
 
 const QString bashFile = QStringLiteral(GENERATED_DIRECTORY "/bash/embosserctl");
 const QString zshDirectory = QStringLiteral(GENERATED_DIRECTORY "/zsh");
-const QString manualPage = QStringLiteral(GENERATED_DIRECTORY "/man/embosserctl.1");
+const QString simulatorDirectory = QStringLiteral(SIMULATOR_GENERATED_DIRECTORY);
 
 } // namespace
 
@@ -21,26 +21,88 @@ class TestToolDocumentation : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void manualPageIsWellFormed_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QVector<QByteArray>>("parts");
+        QTest::newRow("tool") << QStringLiteral(GENERATED_DIRECTORY "/man/embosserctl.1")
+                              << QVector<QByteArray>{"NAME\n",
+                                                     "embosserctl call OPERATION [ARGUMENT...]",
+                                                     "embosserctl set NAME [VALUE] [--flag]",
+                                                     "--collection ID",
+                                                     "EXIT STATUS",
+                                                     "NO_COLOR",
+                                                     "embosser-simulator(1)"};
+        QTest::newRow("simulator")
+            << simulatorDirectory + QStringLiteral("/man/embosser-simulator.1")
+            << QVector<QByteArray>{
+                   "NAME\n",     "--state FILE", "wrong-type",    "Faults.Inject(ssus",
+                   "MarrenPlus", "EXIT STATUS",  "embosserctl(1)"};
+    }
+
     void manualPageIsWellFormed()
     {
+        QFETCH(QString, file);
+        QFETCH(QVector<QByteArray>, parts);
         const Outcome outcome =
-            m_shell.run(QStringLiteral("groff -man -ww -Tutf8 -P-cbou '%1'").arg(manualPage));
+            m_shell.run(QStringLiteral("groff -man -ww -Tutf8 -P-cbou '%1'").arg(file));
         QCOMPARE(outcome.errors, QByteArray());
-        for (const char *part : {"NAME\n", "embosserctl call OPERATION [ARGUMENT...]",
-                                 "embosserctl set NAME [VALUE] [--flag]", "--collection ID",
-                                 "EXIT STATUS", "NO_COLOR"})
+        for (const QByteArray &part : parts)
             QVERIFY2(outcome.output.contains(part), part);
+        const Outcome lint = m_shell.run(QStringLiteral("mandoc -T lint '%1'").arg(file));
+        QCOMPARE(lint.errors + lint.output, QByteArray());
+        QCOMPARE(lint.status, 0);
+    }
+
+    void completionsAreValid_data()
+    {
+        QTest::addColumn<QString>("bash");
+        QTest::addColumn<QString>("zsh");
+        QTest::newRow("tool") << bashFile << zshDirectory + QStringLiteral("/_embosserctl");
+        QTest::newRow("simulator")
+            << simulatorDirectory + QStringLiteral("/bash/embosser-simulator")
+            << simulatorDirectory + QStringLiteral("/zsh/_embosser-simulator");
     }
 
     void completionsAreValid()
     {
-        const Outcome bash = m_shell.run(QStringLiteral("bash -n '%1'").arg(bashFile));
-        QCOMPARE(bash.errors, QByteArray());
-        QCOMPARE(bash.status, 0);
-        const Outcome zsh =
-            m_shell.run(QStringLiteral("zsh -n '%1/_embosserctl'").arg(zshDirectory));
-        QCOMPARE(zsh.errors, QByteArray());
-        QCOMPARE(zsh.status, 0);
+        QFETCH(QString, bash);
+        QFETCH(QString, zsh);
+        for (const QString &command :
+             {QStringLiteral("bash -n '%1'").arg(bash), QStringLiteral("zsh -n '%1'").arg(zsh)}) {
+            const Outcome outcome = m_shell.run(command);
+            QCOMPARE(outcome.errors, QByteArray());
+            QCOMPARE(outcome.status, 0);
+        }
+    }
+
+    void bashCompletesTheSimulatorsOptions_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<QByteArray>("completions");
+        QTest::newRow("options") << QStringLiteral("--li") << QByteArray("--list-models\n");
+        QTest::newRow("models") << QStringLiteral("--model Marr")
+                                << QByteArray("Marren\nMarrenPlus\n");
+        QTest::newRow("files") << QStringLiteral("--profile conf")
+                               << QByteArray("config one.json\n");
+        QTest::newRow("folders") << QStringLiteral("--usb st") << QByteArray("stick\n");
+        QTest::newRow("faults") << QStringLiteral("--fault no") << QByteArray("no-answer:\n");
+    }
+
+    void bashCompletesTheSimulatorsOptions()
+    {
+        QFETCH(QString, words);
+        QFETCH(QByteArray, completions);
+        const Outcome outcome = m_shell.run(
+            QStringLiteral("touch 'config one.json' stack; mkdir -p stick; "
+                           "source '%1/bash/embosser-simulator'; "
+                           "COMP_WORDS=(embosser-simulator %2); "
+                           "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _embosser_simulator; "
+                           "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply\"; done")
+                .arg(simulatorDirectory, words),
+            QStringLiteral("bash"));
+        QCOMPARE(outcome.errors, QByteArray());
+        QCOMPARE(outcome.output, completions);
     }
 
     void bashCompletes_data()
@@ -122,6 +184,15 @@ private Q_SLOTS:
             << QByteArray("<embosserctl diff live config\\ one.json >");
         QTest::newRow("value lists") << QByteArray("embosserctl values Baud\t")
                                      << QByteArray("<embosserctl values BaudRate >");
+        QTest::newRow("simulator's options") << QByteArray("embosser-simulator --li\t")
+                                             << QByteArray("<embosser-simulator --list-models >");
+        QTest::newRow("models") << QByteArray("embosser-simulator --model Tolvek_\t")
+                                << QByteArray("<embosser-simulator --model Tolvek_V5 >");
+        QTest::newRow("profiles") << QByteArray("embosser-simulator --profile conf\t")
+                                  << QByteArray(
+                                         "<embosser-simulator --profile config\\ one.json >");
+        QTest::newRow("faults") << QByteArray("embosser-simulator --fault wro\t")
+                                << QByteArray("<embosser-simulator --fault wrong-type:");
     }
 
     void zshCompletes()
@@ -137,7 +208,8 @@ private Q_SLOTS:
         QVERIFY(file.open(QFile::WriteOnly));
         Terminal terminal(QStringLiteral("zsh"), {QStringLiteral("-f"), QStringLiteral("-i")});
         terminal.type("cd '" + directory.path().toUtf8() + "'; fpath=('" + zshDirectory.toUtf8() +
-                      "' $fpath); autoload -U compinit; "
+                      "' '" + simulatorDirectory.toUtf8() +
+                      "/zsh' $fpath); autoload -U compinit; "
                       "compinit -u -D; PS1=; show() { print -r -- \"<$BUFFER>\" }; zle -N show; "
                       "bindkey '^X' show; print re''ady\n");
         QVERIFY(terminal.shows("ready"));
