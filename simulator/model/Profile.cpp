@@ -598,7 +598,7 @@ const RecordedAnswer *Profile::recorded(const QString &method, const QVariantLis
     const auto answers = m_recorded.constFind(method);
     if (answers == m_recorded.cend())
         return nullptr;
-    const auto found =
+    const auto *const found =
         std::find_if(answers->cbegin(), answers->cend(),
                      [&](const RecordedAnswer &each) { return each.arguments == arguments; });
     return found == answers->cend() ? nullptr : &*found;

@@ -2,6 +2,7 @@
 
 #include "PrivateBus.h"
 #include "Shell.h"
+#include "SimulatedModels.h"
 
 #include "library/Catalogue.h"
 #include "library/Lookup.h"
@@ -150,20 +151,18 @@ private Q_SLOTS:
 
     void theSimulatorAnswersAsWhatWasCaptured_data()
     {
+        QTest::addColumn<QString>("model");
         QTest::addColumn<bool>("isUsed");
-        const Outcome models = m_shell.run(QStringLiteral(SIMULATOR " --list-models"));
-        for (const QByteArray &model : models.output.trimmed().split('\n')) {
-            QTest::newRow(model.constData()) << false;
-        }
-        for (const char *model : {"Marren", "Tolvek"})
-            QTest::newRow((QByteArray(model) + ", used").constData()) << true;
+        for (const QString &model : simulatedModels())
+            QTest::newRow(qPrintable(model)) << model << false;
+        QTest::newRow("Marren, used") << QStringLiteral("Marren") << true;
+        QTest::newRow("Tolvek, used") << QStringLiteral("Tolvek") << true;
     }
 
     void theSimulatorAnswersAsWhatWasCaptured()
     {
+        QFETCH(QString, model);
         QFETCH(bool, isUsed);
-        const QString model =
-            QString::fromLatin1(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
         start({QStringLiteral("--model"), model});
         if (isUsed)
             use();

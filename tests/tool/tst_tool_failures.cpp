@@ -346,7 +346,7 @@ private:
         for (const char *command :
              {"get PrintSpeed", "get PrintSpeed TabSize", "set PrintSpeed Low", "call clearLog",
               "values Papers", "paper", "report", "diff live collection:other", "restore two.json",
-              "dump", "capture"})
+              "dump", "capture", "verify"})
             QTest::newRow(command) << QString::fromLatin1(command);
     }
 

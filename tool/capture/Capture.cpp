@@ -302,12 +302,15 @@ void Capture::readSettings(const std::function<void()> &progress)
 
 QStringList Capture::keysOf(const contract::Setting &setting)
 {
-    QStringList keys;
+    // The one that is sent when none is given.
+    QStringList keys{
+        setting.reader->arguments[setting.reader->indexOf(contract::Role::Key)].defaultValue};
     for (const QString &name : qAsConst(m_reported)) {
         if (name.section(QLatin1Char('/'), 0, 0) == setting.name && name != setting.name)
             keys += name.section(QLatin1Char('/'), 1);
     }
     keys += m_options.keys.value(setting.name);
+    keys.removeAll(QString());
     keys.removeDuplicates();
     return keys;
 }
@@ -432,14 +435,14 @@ void Capture::readBounds(const contract::Setting &setting, const QString &name,
     }
 }
 
-QStringList Capture::names(const QStringList &lists, const QStringList &settings) const
+QStringList Capture::names(const NameSource &source) const
 {
     QStringList names;
-    for (const QString &list : lists) {
+    for (const QString &list : source.lists) {
         for (const Choice &choice : m_choices.value(list))
             names += choice.key;
     }
-    for (const QString &setting : settings)
+    for (const QString &setting : source.settings)
         names += m_values.value(setting).toString();
     names.removeAll(QString());
     names.removeDuplicates();
@@ -464,7 +467,7 @@ void Capture::readPapers()
         {"getSizeUnit", unit},
         {"getPrintHeadOffset", QStringLiteral("printHeadOffset")}};
     QJsonObject papers;
-    for (const QString &name : names({QStringLiteral("Papers")}, {QStringLiteral("PaperSize")})) {
+    for (const QString &name : names(NameSource::papers())) {
         QJsonObject paper;
         QVariantMap metadata;
         for (const auto &property : properties) {
@@ -490,11 +493,8 @@ void Capture::readBraille()
 {
     const QString lineToLine = QStringLiteral("lineToLine");
     const QString factor = QStringLiteral("factor");
-    const QStringList cellNames =
-        names({QStringLiteral("TextDistance"), QStringLiteral("GrafDistance")},
-              {QStringLiteral("BrailleCellSize"), QStringLiteral("GraphicCellSize")});
-    const QStringList spacingNames =
-        names({QStringLiteral("LineSpacing")}, {QStringLiteral("BrailleLineSpacing")});
+    const QStringList cellNames = names(NameSource::cells());
+    const QStringList spacingNames = names(NameSource::lineSpacings());
     static const QVector<QPair<const char *, QString>> distances{
         {"getCellToCell", QStringLiteral("cellToCell")},
         {"getHorizontalDotToDot", QStringLiteral("horizontal")},
@@ -560,9 +560,8 @@ void Capture::readDistances(const QStringList &cells, const QStringList &spacing
 {
     const Operation &offset = operation("getInterlineBackRowOffset", 2);
     const Operation &lines = operation("getLineToLine", 8);
-    const QStringList papers = names({QStringLiteral("Papers")}, {QStringLiteral("PaperSize")});
-    const QStringList dots =
-        names({QStringLiteral("BrailleCellDots")}, {QStringLiteral("BrailleCellDots")});
+    const QStringList papers = names(NameSource::papers());
+    const QStringList dots = names(NameSource::cellDots());
     for (const QString &cell : cells) {
         for (const QString &spacing : spacings) {
             if (const auto answer = ask(offset, {cell, spacing}))

@@ -5,6 +5,7 @@
 
 #include "capture/Recording.h"
 #include "library/Catalogue.h"
+#include "library/NameSource.h"
 #include "library/Session.h"
 
 #include <QtCore/QJsonObject>
@@ -82,8 +83,7 @@ private:
     void readDistances(const QStringList &cells, const QStringList &spacings);
 
     bool isLeftOut(const QString &setting) const;
-    /// What the list has, and the texts of the settings beside it.
-    QStringList names(const QStringList &lists, const QStringList &settings) const;
+    QStringList names(const NameSource &source) const;
 
     Session &m_session;
     const Catalogue &m_catalogue;

@@ -113,7 +113,8 @@ Command captureCommand()
                        "names are listed. The simulator has them empty or 0. What kind of embosser "
                        "it is, is always captured."),
         QStringLiteral("Of a setting with keys, such as ReleaseTime, those are captured that the "
-                       "service's report on its configuration names (ReleaseTime/Open), and those "
+                       "service's report on its configuration names (ReleaseTime/Open), the one "
+                       "that is meant when none is given (Counter/1), and those "
                        "given with --key."),
         QStringLiteral(
             "What the service does not answer is reported, and the exit status is 1; the "

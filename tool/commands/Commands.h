@@ -23,6 +23,7 @@ Command dumpCommand();
 Command diffCommand();
 Command restoreCommand();
 Command captureCommand();
+Command verifyCommand();
 Command monitorCommand();
 Command watchCommand();
 Command waitCommand();
@@ -30,10 +31,10 @@ Command waitCommand();
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(),   listCommand(), describeCommand(), getCommand(),     setCommand(),
-            settingsCommand(), callCommand(), valuesCommand(),   paperCommand(),   reportCommand(),
-            dumpCommand(),     diffCommand(), restoreCommand(),  captureCommand(), monitorCommand(),
-            watchCommand(),    waitCommand()};
+    return {statusCommand(),   listCommand(),  describeCommand(), getCommand(),     setCommand(),
+            settingsCommand(), callCommand(),  valuesCommand(),   paperCommand(),   reportCommand(),
+            dumpCommand(),     diffCommand(),  restoreCommand(),  captureCommand(), verifyCommand(),
+            monitorCommand(),  watchCommand(), waitCommand()};
 }
 
 } // namespace tool

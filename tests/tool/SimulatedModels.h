@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_TOOL_SIMULATEDMODELS_H
+#define TESTS_TOOL_SIMULATEDMODELS_H
+
+#include <QtCore/QStringList>
+
+/// The models that the simulator has, as it lists them.
+QStringList simulatedModels();
+
+#endif
