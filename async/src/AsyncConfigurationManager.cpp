@@ -31,10 +31,10 @@ namespace {
 bool isMethodName(const QString &name)
 {
     constexpr int longest = 255;
-    return !name.isEmpty() && name.size() <= longest && !name.at(0).isDigit() &&
-           std::all_of(name.begin(), name.end(), [](QChar c) {
-               return c == QLatin1Char('_') || (c.unicode() < 128 && c.isLetterOrNumber());
-           });
+    const auto allowed = std::count_if(name.begin(), name.end(), [](QChar c) {
+        return c == QLatin1Char('_') || (c.unicode() < 128 && c.isLetterOrNumber());
+    });
+    return allowed > 0 && allowed == name.size() && allowed <= longest && !name.at(0).isDigit();
 }
 
 } // namespace

@@ -35,13 +35,9 @@ void CallQueue::add(PendingCallPrivate *call)
         put(Call(call));
         return;
     }
-    // From now on each answer makes room for another call, whether or not somebody asks for it.
-    if (m_waiting.isEmpty()) {
-        for (const Call &other : qAsConst(m_onBus))
-            other->watch();
-    }
     m_waiting.append(Call(call));
     fill();
+    watchFromEventLoop();
 }
 
 /// Without a bus a call is tried all the same: that is another error.
@@ -65,8 +61,25 @@ void CallQueue::put(const Call &call)
         return;
     }
     m_onBus.append(call);
-    if (!m_waiting.isEmpty())
-        call->watch();
+    watchFromEventLoop();
+}
+
+/// While calls wait, each answer makes room for another one, whether or not somebody asks for it.
+/// Without an event loop there is nobody to tell, nor the cost of it.
+void CallQueue::watchFromEventLoop()
+{
+    if (m_waiting.isEmpty() || std::exchange(m_isAboutToWatch, true))
+        return;
+    QMetaObject::invokeMethod(
+        m_proxy,
+        [queue = QExplicitlySharedDataPointer<CallQueue>(this)] {
+            queue->m_isAboutToWatch = false;
+            if (queue->m_waiting.isEmpty())
+                return;
+            for (const Call &call : qAsConst(queue->m_onBus))
+                call->watch();
+        },
+        Qt::QueuedConnection);
 }
 
 /// Takes in what has been answered, from the oldest call on, if that is what it takes.
@@ -124,8 +137,8 @@ void CallQueue::close()
 {
     m_closed = true;
     const QDBusError cancelled(QDBusMessage::createError(
-        QStringLiteral("libconfigurationmanager.Error.Cancelled"),
-        QStringLiteral("The calls were given up before the answer arrived.")));
+        QLatin1String("libconfigurationmanager.Error.Cancelled"),
+        QLatin1String("The calls were given up before the answer arrived.")));
     const QList<Call> calls = std::exchange(m_onBus, {}) + std::exchange(m_waiting, {});
     for (const Call &call : calls) {
         if (call->isOnBus() && call->isAnswered())

@@ -54,12 +54,14 @@ private:
     void put(const Call &call);
     void fill();
     bool hasRoom();
+    void watchFromEventLoop();
 
     const libtavelorn::DBusService *const m_service;
     QDBusAbstractInterface *const m_proxy;
     int m_maximumOnBus = 64;
     QList<Call> m_onBus;
     QList<Call> m_waiting;
+    bool m_isAboutToWatch = false;
     std::atomic<bool> m_closed{false};
 };
 

@@ -113,9 +113,9 @@ void PendingCallPrivate::finishWithoutService()
 
 void PendingCallPrivate::finishUnanswered()
 {
-    finish(QDBusError(QDBusError::Disconnected,
-                      QStringLiteral("A process that ends or is forked has no connection to the "
-                                     "bus")));
+    finish(
+        QDBusError(QDBusError::Disconnected,
+                   QLatin1String("A process that ends or is forked has no connection to the bus")));
 }
 
 void PendingCallPrivate::finish(const QDBusError &problem)
