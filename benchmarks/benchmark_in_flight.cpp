@@ -2,8 +2,6 @@
 
 // What 205 settings cost when they are read one at a time, and when the calls wait together; beside
 // the same calls made by hand with Qt D-Bus.
-//
-// --instructions WAY CALLS makes that many calls in one way and nothing else, for callgrind.
 
 #include "ChildProcess.h"
 #include "PrivateBus.h"
@@ -19,7 +17,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <cstring>
 
 using libconfigurationmanager::AsyncConfigurationManager;
 using libconfigurationmanager::PendingReply;
@@ -93,26 +90,6 @@ void readWithoutWaiting(benchmark::State &state)
         readAll(settings, settings, [&manager] { return manager.getBaudrate(); });
 }
 
-/// Makes the calls of one way, for a tool that counts instructions.
-int countInstructions(const char *way, int calls)
-{
-    if (std::strcmp(way, "blocking") == 0) {
-        ConfigurationManager manager;
-        for (int i = 0; i < calls; ++i)
-            manager.getBaudrate();
-    } else if (std::strcmp(way, "byhand") == 0) {
-        const QDBusConnection bus = QDBusConnection::systemBus();
-        readAll(calls, 64, [&bus] { return callByHand(bus); });
-    } else if (std::strcmp(way, "async") == 0) {
-        AsyncConfigurationManager manager;
-        readAll(calls, 64, [&manager] { return manager.getBaudrate(); });
-    } else if (std::strcmp(way, "queue") == 0) {
-        AsyncConfigurationManager manager;
-        readAll(calls, calls, [&manager] { return manager.getBaudrate(); });
-    }
-    return EXIT_SUCCESS;
-}
-
 } // namespace
 
 BENCHMARK(readOneAtATime)->UseRealTime();
@@ -126,8 +103,6 @@ int main(int argc, char *argv[])
     ChildProcess service(QStringLiteral(BENCHMARK_SERVICE_PROGRAM),
                          {QStringLiteral(INTERFACE_FILE)});
     service.startAndReadLine();
-    if (argc == 4 && std::strcmp(argv[1], "--instructions") == 0)
-        return countInstructions(argv[2], int(std::strtol(argv[3], nullptr, 10)));
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return EXIT_FAILURE;
