@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 
-// benchmark-service INTROSPECTION-FILE: a configuration service that answers at once and does
-// nothing else, so that a call's time is that of its caller and of the bus. It prints a line when
-// it owns the name.
+// benchmark-service INTROSPECTION-FILE [MICROSECONDS]: a configuration service that answers at once
+// and does nothing else, so that a call's time is that of its caller and of the bus; or that takes
+// so long for each answer. It prints a line when it owns the name.
 
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -16,12 +17,14 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace {
 
 const char *const serviceName = "com.tavelornbraille.ConfigurationManager";
 
 std::string introspection;
+std::chrono::microseconds timeOfAnAnswer{0};
 
 void check(int result, const char *what)
 {
@@ -136,6 +139,7 @@ int answer(sd_bus_message *call, void *, sd_bus_error *)
                                             [&](const Method &each) { return each.name == name; });
     if (method == std::end(methods))
         return 0;
+    std::this_thread::sleep_for(timeOfAnAnswer);
     sd_bus_message *reply = nullptr;
     check(sd_bus_message_new_method_return(call, &reply), "no reply");
     check(method->appendAnswer(call, reply), "no answer");
@@ -148,8 +152,10 @@ int answer(sd_bus_message *call, void *, sd_bus_error *)
 
 int main(int argc, char *argv[])
 {
-    if (argc != 2)
+    if (argc != 2 && argc != 3)
         return EXIT_FAILURE;
+    if (argc == 3)
+        timeOfAnAnswer = std::chrono::microseconds(std::strtol(argv[2], nullptr, 10));
     std::ifstream file(argv[1]);
     introspection.assign(std::istreambuf_iterator<char>(file), {});
 
