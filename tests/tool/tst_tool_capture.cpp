@@ -329,10 +329,17 @@ private Q_SLOTS:
         answer("getLineToLine", 12.5);
         answer("getParity", QStringLiteral("none of the list"));
         answer("getTopOfForm", std::numeric_limits<double>::infinity());
-        QCOMPARE(run("capture > device.json").errors,
-                 QByteArray("embosserctl: not answered: getTopOfForm: the answer is not a finite "
-                            "number\n"));
-        QVERIFY(!run("cat device.json").output.contains("secret-mark"));
+        answer("getDemoDocuments",
+               QVariantMap{{QStringLiteral("path"),
+                            QVariant::fromValue(QDBusObjectPath(QStringLiteral("/")))}});
+        const QByteArray notAnswered =
+            "embosserctl: not answered: getDemoDocuments: the answer is of a kind that a profile "
+            "cannot have\n"
+            "embosserctl: not answered: getTopOfForm: the answer is not a finite number\n";
+        QCOMPARE(run("capture > device.json").errors, notAnswered);
+        const Outcome captured = m_shell.run(QStringLiteral("cat device.json"));
+        QVERIFY(captured.output.contains("\"unsigned\""));
+        QVERIFY(!captured.output.contains("secret-mark"));
 
         start({QStringLiteral("--profile"), m_shell.path(QStringLiteral("device.json"))});
         QCOMPARE(run("capture > again.json; diff device.json again.json").output, QByteArray());

@@ -195,8 +195,9 @@ void Capture::readValueLists(const std::function<void()> &progress)
             choices.append(QJsonObject{{keyName, key.toString()}, {valueName, value.toInt()}});
             m_choices[name].append({key.toString(), value.toInt()});
         }
-        rows.insert(name, choices);
-        if (!isOfKnownForm)
+        if (isOfKnownForm)
+            rows.insert(name, choices);
+        else
             m_recording.addAnswer(lists, row, *answer);
     }
     m_profile.insert(QStringLiteral("rows"), rows);
