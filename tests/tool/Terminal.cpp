@@ -16,14 +16,17 @@ const int patienceInMilliseconds = 30000;
 
 } // namespace
 
-Terminal::Terminal(const QStringList &arguments) : Terminal(QStringLiteral(EMBOSSERCTL), arguments)
+Terminal::Terminal(const QStringList &arguments, int columns)
+    : Terminal(QStringLiteral(EMBOSSERCTL), arguments, columns)
 {
 }
 
-Terminal::Terminal(const QString &program, const QStringList &arguments)
+Terminal::Terminal(const QString &program, const QStringList &arguments, int columns)
     : ChildProcess(program, arguments)
 {
-    if (openpty(&m_master, &m_slave, nullptr, nullptr, nullptr) != 0)
+    winsize size = {};
+    size.ws_col = static_cast<unsigned short>(columns);
+    if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
         qFatal("no terminal: %s", std::strerror(errno));
     start();
     if (!waitForStarted())

@@ -13,8 +13,9 @@ class Terminal : public ChildProcess
 {
     Q_OBJECT
 public:
-    explicit Terminal(const QStringList &arguments);
-    Terminal(const QString &program, const QStringList &arguments);
+    /// Has so many columns, or an unknown number.
+    explicit Terminal(const QStringList &arguments, int columns = 0);
+    Terminal(const QString &program, const QStringList &arguments, int columns = 0);
     ~Terminal() override;
 
     /// Whether this machine has terminals to give, which a container may lack.

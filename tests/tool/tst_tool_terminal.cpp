@@ -7,6 +7,7 @@
 #include <QtCore/QTemporaryFile>
 #include <QtTest/QTest>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -15,6 +16,13 @@ const QByteArray escape = "\x1b";
 const QByteArray controlC = "\x03";
 const QByteArray controlD = "\x04";
 const QByteArray controlZ = "\x1a";
+
+QStringList wordsOf(const QByteArray &shown)
+{
+    QStringList words = QString::fromUtf8(shown).simplified().split(QLatin1Char(' '));
+    words.sort();
+    return words;
+}
 
 } // namespace
 
@@ -124,6 +132,28 @@ private Q_SLOTS:
         const QByteArray shown = terminal.shownAtEnd();
         QCOMPARE(shown, QByteArray("\x1b[1mPrintSpeed\x1b[0m  Low\r\n"
                                    "\x1b[1mDraftSpeed\x1b[0m  2500\r\n"));
+    }
+
+    void breaksProseIntoItsLines_data()
+    {
+        QTest::addColumn<int>("columns");
+        for (const int columns : {80, 120, 200})
+            QTest::addRow("%d", columns) << columns;
+    }
+
+    void breaksProseIntoItsLines()
+    {
+        QFETCH(const int, columns);
+        const QStringList arguments{QStringLiteral("list"), QStringLiteral("--no-color")};
+        const QByteArray whole = Terminal(arguments).shownAtEnd();
+        const QByteArray shown = Terminal(arguments, columns).shownAtEnd();
+        QVERIFY(whole.contains("getLineToLine("));
+        int widest = 0;
+        for (const QByteArray &line : shown.split('\n'))
+            widest = std::max(widest, QString::fromUtf8(line).trimmed().size());
+        QVERIFY2(widest <= columns, qPrintable(QString::number(widest)));
+        // All the words are there.
+        QCOMPARE(wordsOf(shown), wordsOf(whole));
     }
 
     void leavesTheColoursOut_data()

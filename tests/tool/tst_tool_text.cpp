@@ -134,6 +134,43 @@ private Q_SLOTS:
         QCOMPARE(padded(text, 0), text);
     }
 
+    void breaksTextAtSpaces_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("lines");
+        QTest::newRow("empty") << QString() << QString();
+        QTest::newRow("fits") << QStringLiteral("ab cd ef") << QStringLiteral("ab cd ef");
+        QTest::newRow("two lines") << QStringLiteral("ab cd efg") << QStringLiteral("ab cd|efg");
+        QTest::newRow("long word")
+            << QStringLiteral("a bcdefghijk l") << QStringLiteral("a|bcdefghijk|l");
+        QTest::newRow("wide") << QStringLiteral("\u6f22\u5b57 \u6f22\u5b57")
+                              << QStringLiteral("\u6f22\u5b57|\u6f22\u5b57");
+    }
+
+    void breaksTextAtSpaces()
+    {
+        QFETCH(QString, text);
+        QTEST(wrapped(text, 8).join(QLatin1Char('|')), "lines");
+    }
+
+    void fitsColumnsIntoALine()
+    {
+        const QVector<int> widths{20, 40, 60};
+        const QVector<int> least{20, 16, 10};
+        QCOMPARE(fitted(widths, least, 124), widths);
+        // The widest gives way until it is as narrow as the next.
+        QCOMPARE(fitted(widths, least, 114), (QVector<int>{20, 40, 50}));
+        QCOMPARE(fitted(widths, least, 84), (QVector<int>{20, 30, 30}));
+        QCOMPARE(fitted(widths, least, 10), least);
+    }
+
+    void knowsHowNarrowAColumnCanBe()
+    {
+        const QVector<QStringList> rows{{QStringLiteral("two words"), QStringLiteral("two words")},
+                                        {QStringLiteral("one"), QStringLiteral("longest one")}};
+        QCOMPARE(leastWidths(rows, {1}), (QVector<int>{9, 7}));
+    }
+
     void shortensTextToColumns()
     {
         const QString ellipsis(QChar(0x2026));

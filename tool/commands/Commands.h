@@ -14,6 +14,7 @@ Command listCommand();
 Command describeCommand();
 Command getCommand();
 Command setCommand();
+Command resetCommand();
 Command settingsCommand();
 Command callCommand();
 Command valuesCommand();
@@ -31,10 +32,11 @@ Command waitCommand();
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(),   listCommand(),  describeCommand(), getCommand(),     setCommand(),
-            settingsCommand(), callCommand(),  valuesCommand(),   paperCommand(),   reportCommand(),
-            dumpCommand(),     diffCommand(),  restoreCommand(),  captureCommand(), verifyCommand(),
-            monitorCommand(),  watchCommand(), waitCommand()};
+    return {statusCommand(),  listCommand(),    describeCommand(), getCommand(),
+            setCommand(),     resetCommand(),   settingsCommand(), callCommand(),
+            valuesCommand(),  paperCommand(),   reportCommand(),   dumpCommand(),
+            diffCommand(),    restoreCommand(), captureCommand(),  verifyCommand(),
+            monitorCommand(), watchCommand(),   waitCommand()};
 }
 
 } // namespace tool

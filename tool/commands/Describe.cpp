@@ -2,11 +2,17 @@
 
 #include "commands/Commands.h"
 
+#include "common/JsonText.h"
+#include "library/Choices.h"
 #include "library/Description.h"
 #include "library/Lookup.h"
+#include "library/Session.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+#include <optional>
 
 namespace tool {
 
@@ -59,16 +65,56 @@ void printOperation(Output &output, const Operation &operation)
     if (enumeration.isValid())
         rows.append({enumeration.name(), keysText(enumeration)});
     rows.append({QStringLiteral("Remote method"), operation.remoteMethod});
-    output.table(rows);
+    output.table(rows, {}, {1});
+}
+
+/// What the service tells of a setting, if it is there. Why it does not is only good to know.
+std::optional<Choices> choicesOf(const Setting &setting, const Request &request)
+{
+    if (setting.isSecret)
+        return {};
+    try {
+        Session session(request.session);
+        session.requireConnection();
+        return ChoicesQuestion(setting, request.catalogue, session).answer();
+    } catch (const Failure &failure) {
+        if (failure.status() != ExitStatus::NotConnected)
+            request.output.note(failure.message());
+        return {};
+    }
+}
+
+void printSetting(Output &output, const Setting &setting, const Choices &choices)
+{
+    output.heading(setting.name);
+    QVector<QStringList> rows{{QStringLiteral("Meaning"), setting.meaning}};
+    const auto add = [&rows](const char *what, const QString &text) {
+        if (!text.isEmpty())
+            rows.append({QString::fromLatin1(what), text});
+    };
+    add(choices.values.isEmpty() ? "Range" : "Choices", choices.text());
+    add("Unit", choices.unit);
+    if (!choices.initial.isUndefined())
+        add("Default", toText(choices.initial));
+    output.table(rows, {}, {1});
 }
 
 ExitStatus runDescribe(const Request &request)
 {
-    const auto operations = operationsMeant(request.catalogue, request.arguments[0]);
+    const QString &name = request.arguments[0];
+    const auto operations = operationsMeant(request.catalogue, name);
+    const Setting *setting = request.catalogue.setting(name);
+    const std::optional<Choices> choices =
+        setting ? choicesOf(*setting, request) : std::optional<Choices>();
+    if (choices && !request.output.isJson())
+        printSetting(request.output, *setting, *choices);
     QJsonArray descriptions;
     for (const Operation *operation : operations) {
+        QJsonObject description = describe(*operation);
+        if (choices)
+            description.insert(QStringLiteral("setting"), toJson(*choices));
         if (request.output.isJson())
-            descriptions.append(describe(*operation));
+            descriptions.append(description);
         else
             printOperation(request.output, *operation);
     }
@@ -93,7 +139,8 @@ Command describeCommand()
             "Shows the meaning, parameters, result and remote method of an operation, and the keys "
             "of the enumeration that it uses. OPERATION is a name; a name with parameter types, "
             "such as 'getWidth(QString)', to select one of several operations; or the name of a "
-            "setting, for the operations that read and write it. The service is not needed."),
+            "setting, for the operations that read and write it. The service is not needed; if it "
+            "is there, it tells the range or the choices, the unit and the default of a setting."),
     };
     command.run = runDescribe;
     return command;

@@ -44,7 +44,7 @@ void printGrouped(Output &output, const QVector<const Operation *> &operations)
             }
         }
         output.heading(family);
-        output.table(rows);
+        output.table(rows, {}, {0, 2});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "common/Suggestion.h"
 #include "library/Choices.h"
 #include "library/Lookup.h"
+#include "library/Sequence.h"
 #include "library/Session.h"
 #include "library/Value.h"
 #include "terminal/Output.h"
@@ -72,13 +73,7 @@ ExitStatus setTogether(const Request &request)
                           QStringLiteral("%1 is given twice").arg(setting->name));
         sequence.insert(setting->name, valueFromText(text, *setting, request.catalogue, &session));
     }
-    const Operation &operation =
-        operationFor(request.catalogue, QStringLiteral("processSequence"), 1);
-    const Reply reply = session.call(operation, {sequence});
-    if (reply.error)
-        throw Failure(ExitStatus::Failed, *reply.error);
-    if (!reply.value.toBool())
-        throw Failure(ExitStatus::Failed, QStringLiteral("the service refused"));
+    writeTogether(sequence, request.catalogue, &session);
     if (request.output.isJson()) {
         request.output.json(
             QJsonObject{{QStringLiteral("settings"), QJsonArray::fromStringList(sequence.keys())}});

@@ -60,18 +60,9 @@ QJsonObject SettingQuestion::answer()
         object.insert(QStringLiteral("error"), errorToJson(ExitStatus::Failed, *reply.error));
     else
         object.insert(QStringLiteral("value"), toJson(reply.value, m_setting.getter->result));
-    const Choices choices = m_choices->answer();
-    if (choices.minimum && choices.maximum) {
-        object.insert(QStringLiteral("minimum"), *choices.minimum);
-        object.insert(QStringLiteral("maximum"), *choices.maximum);
-    }
-    if (!choices.values.isEmpty()) {
-        QJsonObject values;
-        for (auto choice = choices.values.begin(); choice != choices.values.end(); ++choice)
-            values.insert(choice.key(), choice.value());
-        object.insert(QStringLiteral("choices"), values);
-    }
-    object.insert(QStringLiteral("range"), choices.text());
+    const QJsonObject choices = toJson(m_choices->answer());
+    for (auto member = choices.begin(); member != choices.end(); ++member)
+        object.insert(member.key(), member.value());
     return object;
 }
 
@@ -112,8 +103,10 @@ ExitStatus runSettings(const Request &request)
         request.output.note(
             QStringLiteral("no setting matches '%1'").arg(request.arguments.value(0)));
     } else {
-        request.output.table(rows, {QStringLiteral("Setting"), QStringLiteral("Value"),
-                                    QStringLiteral("Range or choices"), QStringLiteral("Meaning")});
+        request.output.table(rows,
+                             {QStringLiteral("Setting"), QStringLiteral("Value"),
+                              QStringLiteral("Range or choices"), QStringLiteral("Meaning")},
+                             {2, 3});
     }
     return ExitStatus::Done;
 }
@@ -130,8 +123,9 @@ Command settingsCommand()
     command.summary = QStringLiteral("list the settings with their values");
     command.description = QStringList{
         QStringLiteral(
-            "Lists the settings, each with its value, its range or the keys of its value list, as "
-            "far as the service tells them, and its meaning. PATTERN is matched against any part "
+            "Lists the settings, each with its value, its range and unit or the keys of its value "
+            "list, as far as the service tells them, and its meaning. PATTERN is matched against "
+            "any part "
             "of the name or the meaning or, if it contains the wildcards * or ?, against the whole "
             "name. Case is ignored."),
     };

@@ -30,27 +30,36 @@ QString Choices::text() const
         return keys.join(QStringLiteral(", "));
     }
     if (minimum && maximum)
-        return QStringLiteral("%1 to %2").arg(*minimum).arg(*maximum);
-    return {};
+        return QStringLiteral("%1 to %2 %3").arg(*minimum).arg(*maximum).arg(unit).trimmed();
+    return unit;
 }
 
 ChoicesQuestion::ChoicesQuestion(const Setting &setting, const Catalogue &catalogue,
                                  Session &session)
     : m_session(session),
       m_type(setting.valueType()),
-      m_lists(operationFor(catalogue, QStringLiteral("getValueList"), 1))
+      m_lists(operationFor(catalogue, QStringLiteral("getValueList"), 1)),
+      m_metadata(session.begin(operationFor(catalogue, QStringLiteral("getTableMetadata"), 2),
+                               {QStringLiteral("settings"), setting.name}))
 {
     const auto begin = [&](const QString &operation) {
         return session.begin(operationFor(catalogue, operation, 1), {setting.name});
     };
-    const bool isInt = m_type.name == QLatin1String("int");
-    if (isInt || m_type.name == QLatin1String("double")) {
+    if (m_type.name == QLatin1String("int") || m_type.name == QLatin1String("double")) {
         m_minimum = begin(QStringLiteral("getMinValue"));
         m_maximum = begin(QStringLiteral("getMaxValue"));
     }
     const std::optional<int> row = m_lists.parameters[0].type.enumeration.value(setting.name);
-    if (row && isInt && !m_type.enumeration.isValid())
+    if (row && takesList())
         m_list = session.begin(m_lists, {*row});
+}
+
+/// The numbers of an enumeration have their names already.
+bool ChoicesQuestion::takesList() const
+{
+    const bool isOfList =
+        m_type.name == QLatin1String("int") || m_type.name == QLatin1String("QString");
+    return isOfList && !m_type.enumeration.isValid();
 }
 
 Choices ChoicesQuestion::answer()
@@ -62,6 +71,17 @@ Choices ChoicesQuestion::answer()
     }
     for (const QString &key : m_type.enumeration.keys())
         choices.values.insert(key, *m_type.enumeration.value(key));
+
+    const QVariantMap metadata = m_session.finish(m_metadata).value.toMap();
+    choices.unit = metadata.value(QStringLiteral("unit")).toString();
+    const QVariant initial = metadata.value(QStringLiteral("default"));
+    if (initial.isValid())
+        choices.initial = toJson(initial, m_type);
+    const QString row = metadata.value(QStringLiteral("row")).toString();
+    const std::optional<int> list = m_lists.parameters[0].type.enumeration.value(row);
+    if (list && takesList() && !m_list)
+        m_list = m_session.begin(m_lists, {*list});
+
     const Reply reply = m_list ? m_session.finish(*m_list) : Reply();
     for (const QJsonValue choice : toJson(reply.value, m_lists.result).toArray()) {
         const QJsonValue key = choice[QStringLiteral("key")];
@@ -70,6 +90,26 @@ Choices ChoicesQuestion::answer()
             choices.values.insert(key.toString(), value.toInt());
     }
     return choices;
+}
+
+QJsonObject toJson(const Choices &choices)
+{
+    QJsonObject object{{QStringLiteral("range"), choices.text()}};
+    if (choices.minimum && choices.maximum) {
+        object.insert(QStringLiteral("minimum"), *choices.minimum);
+        object.insert(QStringLiteral("maximum"), *choices.maximum);
+    }
+    if (!choices.values.isEmpty()) {
+        QJsonObject values;
+        for (auto choice = choices.values.begin(); choice != choices.values.end(); ++choice)
+            values.insert(choice.key(), choice.value());
+        object.insert(QStringLiteral("choices"), values);
+    }
+    if (!choices.unit.isEmpty())
+        object.insert(QStringLiteral("unit"), choices.unit);
+    if (!choices.initial.isUndefined())
+        object.insert(QStringLiteral("default"), choices.initial);
+    return object;
 }
 
 } // namespace tool

@@ -6,6 +6,8 @@
 #include "library/Catalogue.h"
 #include "library/Session.h"
 
+#include <QtCore/QJsonObject>
+#include <QtCore/QJsonValue>
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
@@ -20,13 +22,19 @@ struct Choices
     QMap<QString, int> values;
     std::optional<int> minimum;
     std::optional<int> maximum;
+    QString unit;
+    /// What it is until somebody sets it; undefined if the service does not tell.
+    QJsonValue initial = QJsonValue::Undefined;
 
-    /// "Soft, Hard", "0 to 10" or nothing.
+    /// "Soft, Hard", "0 to 10 mm", "mm" or nothing.
     QString text() const;
 };
 
-/// Asks for the choices of a setting: for the value list of its name, if there is one, and for the
-/// bounds.
+/// As settings and describe print them with --json.
+QJsonObject toJson(const Choices &choices);
+
+/// Asks for the choices of a setting: for the bounds, for what the service's metadata tell, and for
+/// the value list that these name, or that has the setting's name.
 class ChoicesQuestion
 {
 public:
@@ -37,12 +45,15 @@ public:
     Choices answer();
 
 private:
+    bool takesList() const;
+
     Session &m_session;
     const ValueType &m_type;
     const Operation &m_lists;
     std::optional<Session::Call> m_minimum;
     std::optional<Session::Call> m_maximum;
     std::optional<Session::Call> m_list;
+    Session::Call m_metadata;
 };
 
 } // namespace tool

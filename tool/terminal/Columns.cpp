@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cwchar>
+#include <numeric>
 
 namespace tool {
 
@@ -65,6 +66,20 @@ QString elided(const QString &text, int width)
     return result + QChar(0x2026);
 }
 
+QStringList wrapped(const QString &text, int width)
+{
+    QStringList lines{QString()};
+    for (const QString &word : text.split(QLatin1Char(' '))) {
+        QString &line = lines.last();
+        const QString longer = line.isEmpty() ? word : line + QLatin1Char(' ') + word;
+        if (line.isEmpty() || displayWidth(longer) <= width)
+            line = longer;
+        else
+            lines.append(word);
+    }
+    return lines;
+}
+
 QVector<int> columnWidths(const QVector<QStringList> &rows)
 {
     QVector<int> widths;
@@ -72,6 +87,36 @@ QVector<int> columnWidths(const QVector<QStringList> &rows)
         widths.resize(std::max(widths.size(), cells.size()));
         for (int i = 0; i < cells.size(); ++i)
             widths[i] = std::max(widths[i], displayWidth(cells[i]));
+    }
+    return widths;
+}
+
+QVector<int> leastWidths(const QVector<QStringList> &rows, const QVector<int> &prose)
+{
+    QVector<int> widths = columnWidths(rows);
+    for (const int column : prose) {
+        widths[column] = 0;
+        for (const QStringList &cells : rows) {
+            for (const QString &word : cells.value(column).split(QLatin1Char(' ')))
+                widths[column] = std::max(widths[column], displayWidth(word));
+        }
+    }
+    return widths;
+}
+
+QVector<int> fitted(QVector<int> widths, const QVector<int> &least, int lineWidth)
+{
+    int excess =
+        std::accumulate(widths.begin(), widths.end(), columnGap * (widths.size() - 1)) - lineWidth;
+    for (; excess > 0; --excess) {
+        int *widest = nullptr;
+        for (int i = 0; i < widths.size(); ++i) {
+            if (widths[i] > least[i] && (!widest || widths[i] > *widest))
+                widest = &widths[i];
+        }
+        if (!widest)
+            break;
+        --*widest;
     }
     return widths;
 }

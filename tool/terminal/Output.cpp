@@ -14,11 +14,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tool {
 
 namespace {
+
+/// 0 if it is not known.
+int terminalWidth()
+{
+    winsize size = {};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
 
 const QString rowStyle = QStringLiteral("1");
 const QString headingStyle = QStringLiteral("1;36");
@@ -91,7 +99,9 @@ QByteArray document(const QJsonValue &value, QJsonDocument::JsonFormat format)
 } // namespace
 
 Output::Output(const OutputOptions &options)
-    : m_options(options), m_isTerminal(isatty(STDOUT_FILENO))
+    : m_options(options),
+      m_isTerminal(isatty(STDOUT_FILENO)),
+      m_lineWidth(m_isTerminal ? terminalWidth() : 0)
 {
     m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR") &&
                       qgetenv("TERM") != "dumb";
@@ -129,31 +139,55 @@ void Output::heading(const QString &text) const
     writeLine(stdout, styled(printable(text), headingStyle));
 }
 
-void Output::row(const QStringList &cells, const QVector<int> &widths,
+void Output::row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
                  const QString &firstStyle) const
 {
-    QString line;
+    QVector<QStringList> lines;
     for (int i = 0; i < cells.size(); ++i) {
-        const bool isLast = i == cells.size() - 1;
+        const QStringList parts =
+            prose.contains(i) ? wrapped(cells[i], widths[i]) : QStringList(cells[i]);
+        for (int line = 0; line < parts.size(); ++line) {
+            while (lines.size() <= line)
+                lines.append(QVector<QString>(cells.size()).toList());
+            lines[line][i] = parts[line];
+        }
+    }
+    for (const QStringList &line : qAsConst(lines))
+        rowLine(line, widths, firstStyle);
+}
+
+void Output::rowLine(const QStringList &cells, const QVector<int> &widths,
+                     const QString &firstStyle) const
+{
+    // Spaces behind the last text would take room on a terminal.
+    int last = cells.size() - 1;
+    while (m_isTerminal && last > 0 && cells[last].isEmpty())
+        --last;
+    QString line;
+    for (int i = 0; i <= last; ++i) {
+        const bool isLast = i == last;
         line += styled(cells[i], i == 0 ? firstStyle : QString());
         if (!isLast && m_isTerminal)
-            line += padded(QString(), widths[i] - displayWidth(cells[i]) + 2);
+            line += padded(QString(), widths[i] - displayWidth(cells[i]) + columnGap);
         else if (!isLast)
             line += QLatin1Char('\t');
     }
     writeLine(stdout, line);
 }
 
-void Output::table(const QVector<QStringList> &rows, const QStringList &header) const
+void Output::table(const QVector<QStringList> &rows, const QStringList &header,
+                   const QVector<int> &prose) const
 {
     QVector<QStringList> shown;
     for (const QStringList &cells : QVector<QStringList>{header} + rows)
         shown.append(printableCells(cells));
-    const QVector<int> widths = columnWidths(shown);
+    const QVector<int> breaking = m_lineWidth > 0 ? prose : QVector<int>();
+    const QVector<int> widths =
+        fitted(columnWidths(shown), leastWidths(shown, breaking), m_lineWidth);
     if (!header.isEmpty())
-        row(shown.first(), widths, headingStyle);
+        row(shown.first(), widths, breaking, headingStyle);
     for (int i = 1; i < shown.size(); ++i)
-        row(shown[i], widths, rowStyle);
+        row(shown[i], widths, breaking, rowStyle);
 }
 
 void Output::value(const QJsonValue &value) const

@@ -42,7 +42,9 @@ public:
     void text(const QString &text) const;
     void line(const QString &text) const;
     void heading(const QString &text) const;
-    void table(const QVector<QStringList> &rows, const QStringList &header = {}) const;
+    /// The columns of prose are broken into lines where a terminal has no room for them.
+    void table(const QVector<QStringList> &rows, const QStringList &header = {},
+               const QVector<int> &prose = {}) const;
     /// An object as rows, an array of objects as a table, anything else as a line.
     void value(const QJsonValue &value) const;
     void json(const QJsonValue &value);
@@ -58,10 +60,15 @@ public:
 
 private:
     QString styled(const QString &text, const QString &style) const;
-    void row(const QStringList &cells, const QVector<int> &widths, const QString &firstStyle) const;
+    void row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
+             const QString &firstStyle) const;
+    void rowLine(const QStringList &cells, const QVector<int> &widths,
+                 const QString &firstStyle) const;
 
     OutputOptions m_options;
     bool m_isTerminal;
+    /// Of the terminal; 0 if it is not known.
+    int m_lineWidth = 0;
     bool m_hasDocument = false;
     bool m_isStream = false;
 };
