@@ -291,6 +291,25 @@ private Q_SLOTS:
         }
     }
 
+    void aFalseOfWhatWritesIsARefusal_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::addColumn<int>("status");
+        QTest::newRow("a setting by its name") << QStringLiteral("setIntValue TabSize 3") << 1;
+        QTest::newRow("a setting by its change")
+            << QStringLiteral("setIntDeltaValue TabSize 3") << 1;
+        QTest::newRow("a command") << QStringLiteral("clearLog") << 1;
+        QTest::newRow("a question") << QStringLiteral("hasBooklet") << 0;
+    }
+
+    void aFalseOfWhatWritesIsARefusal()
+    {
+        QFETCH(QString, call);
+        m_service.start();
+        m_service.setAnswer(Answer::value(false));
+        QTEST(run(QStringLiteral("call ") + call).status, "status");
+    }
+
     void saysWhatTheServiceHasRefused_data()
     {
         QTest::addColumn<QString>("command");
