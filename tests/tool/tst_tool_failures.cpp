@@ -157,11 +157,12 @@ private Q_SLOTS:
         int delay = 0;
         for (const char *getter : {"getTabSize", "getAlignLow", "getBaudrate", "getAlignHigh"}) {
             Answer late = Answer::value(4);
-            late.delayInMilliseconds = delay += 600;
+            late.delayInMilliseconds = delay;
             m_service.setAnswer(QString::fromLatin1(getter), late);
+            delay += 1000;
         }
         const Outcome outcome =
-            run(QStringLiteral("get TabSize AlignLow Baudrate AlignHigh --timeout 1.5"));
+            run(QStringLiteral("get TabSize AlignLow Baudrate AlignHigh --timeout 2.5"));
         QCOMPARE(outcome.output,
                  QByteArray("TabSize\t4\nAlignLow\t4\nBaudrate\t4\nAlignHigh\t4\n"));
         QCOMPARE(outcome.status, 0);
