@@ -217,8 +217,8 @@ Command restoreCommand()
             "Writes back the settings in a file written by dump ('-' is standard input) where they "
             "differ, and reads them again to verify that the service holds them. Settings that "
             "could not be applied or verified are reported with the reason, and the exit status is "
-            "1; the others are applied nevertheless. Ctrl-C takes effect when the service has "
-            "answered the current call; what has been done by then is reported."),
+            "1; the others are applied nevertheless. Ctrl-C ends it at once; what has "
+            "been done by then is reported."),
         QStringLiteral("Secret settings are left unchanged; if the file contains one, it is "
                        "reported as not applied."),
         QStringLiteral("Settings that belong to the identity or the history of a device, such as "
