@@ -6,6 +6,9 @@
 
 QStringList simulatedModels()
 {
+    const QStringList few = QStringLiteral(FEW_MODELS).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    if (!few.isEmpty())
+        return few;
     ChildProcess simulator(QStringLiteral(SIMULATOR), {QStringLiteral("--list-models")});
     simulator.setProcessChannelMode(QProcess::SeparateChannels);
     simulator.start();

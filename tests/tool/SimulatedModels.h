@@ -5,7 +5,7 @@
 
 #include <QtCore/QStringList>
 
-/// The models that the simulator has, as it lists them.
+/// The models that the simulator has, as it lists them; in an emulator, which is slow, a few.
 QStringList simulatedModels();
 
 #endif
