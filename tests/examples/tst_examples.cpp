@@ -21,6 +21,9 @@ private Q_SLOTS:
         QTest::newRow("hello") << QStringLiteral(HELLO) << QStringList()
                                << QByteArray("Kestan prints at speed Draft\n")
                                << QByteArray("There is no embosser");
+        QTest::newRow("batch") << QStringLiteral(BATCH) << QStringList()
+                               << QByteArray("KE-000001 is ready\n")
+                               << QByteArray("There is no embosser");
         QTest::newRow("python") << QStringLiteral(PYTHON)
                                 << QStringList{QStringLiteral("-B"), QStringLiteral(PYTHON_EXAMPLE),
                                                QStringLiteral("K-1903")}
