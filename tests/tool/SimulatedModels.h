@@ -5,7 +5,7 @@
 
 #include <QtCore/QStringList>
 
-/// The models that the simulator has, as it lists them; in an emulator, which is slow, a few.
+/// The models that the simulator has, as it lists them; in slow builds, a few.
 QStringList simulatedModels();
 
 #endif
