@@ -249,7 +249,7 @@ private Q_SLOTS:
         Terminal terminal(arguments);
         // Those that are answered, getDraftSpeed among them, and those that wait together.
         int arrived = 0;
-        QTRY_COMPARE(arrived += m_service.takeCalls().size(), 2 + 64);
+        QTRY_COMPARE_WITH_TIMEOUT(arrived += m_service.takeCalls().size(), 2 + 64, 30000);
         terminal.type(controlC);
         terminal.shownAtEnd();
         QCOMPARE(terminal.exitStatus(), QProcess::CrashExit);
