@@ -67,6 +67,12 @@ private Q_SLOTS:
 
         QCOMPARE(editor<QLabel>(model)->text(),
                  m_simulator.value("getModel", {masterId()}).toString());
+
+        // The picture in the README is made so.
+        showPageOf(pulseTime);
+        const QString picture = qEnvironmentVariable("SCREENSHOT");
+        if (!picture.isEmpty())
+            QVERIFY(m_window->grab().save(picture));
     }
 
     void whatIsEnteredIsStored()
