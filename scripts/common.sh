@@ -111,6 +111,8 @@ run_tests() {
     if [ -x "$folder/tool/embosserctl" ]; then
         limit=$(time_limit "${emulator[@]}" "$folder/tool/embosserctl")
     fi
+    # Qt has a limit of its own, in milliseconds.
+    local -x QTEST_FUNCTION_TIMEOUT=$((limit * 1000))
     "${test_apart[@]}" ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure \
         --no-tests=error --timeout "$limit" "$@" \
         || status=$?
