@@ -68,20 +68,30 @@ NumberField::NumberField(AsyncConfigurationManager &manager, const QString &name
 
 void NumberField::ask()
 {
-    const auto onError = [this](const QDBusError &error) { showProblem(error); };
-    // The answers come in this order: the bounds are there before the value.
-    m_manager.getMinValue(m_name).then(
-        this, [this](int minimum) { m_editor->setMinimum(minimum); }, onError);
-    m_manager.getMaxValue(m_name).then(
-        this, [this](int maximum) { m_editor->setMaximum(maximum); }, onError);
-    m_getter().then(
-        this,
-        [this](int value) {
-            m_value = value;
-            m_editor->setValue(value);
-            m_editor->setEnabled(true);
-        },
-        onError);
+    m_awaited = 3;
+    const auto onError = [this](const QDBusError &error) {
+        showProblem(error);
+        answered();
+    };
+    const auto keepIn = [this](std::optional<int> &kept) {
+        return [this, &kept](int answer) {
+            kept = answer;
+            answered();
+        };
+    };
+    m_manager.getMinValue(m_name).then(this, keepIn(m_minimum), onError);
+    m_manager.getMaxValue(m_name).then(this, keepIn(m_maximum), onError);
+    m_getter().then(this, keepIn(m_value), onError);
+}
+
+/// Without its bounds, the editor would cut the value off.
+void NumberField::answered()
+{
+    if (--m_awaited > 0 || !m_value)
+        return;
+    m_editor->setRange(m_minimum.value_or(*m_value), m_maximum.value_or(*m_value));
+    m_editor->setValue(*m_value);
+    m_editor->setEnabled(true);
 }
 
 void NumberField::store()
@@ -89,7 +99,7 @@ void NumberField::store()
     if (m_editor->value() == m_value)
         return;
     m_value = m_editor->value();
-    showOutcome(m_setter(m_value));
+    showOutcome(m_setter(*m_value));
 }
 
 ChoiceField::ChoiceField(AsyncConfigurationManager &manager, lcm::RowValueList row, Getter getter,

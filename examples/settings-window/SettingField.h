@@ -8,6 +8,7 @@
 #include <QtWidgets/QWidget>
 
 #include <functional>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -61,6 +62,7 @@ protected:
 private:
     NumberField(AsyncConfigurationManager &manager, const QString &name, Getter getter,
                 Setter setter, QSpinBox *editor);
+    void answered();
     void store();
 
     AsyncConfigurationManager &m_manager;
@@ -68,7 +70,11 @@ private:
     const Getter m_getter;
     const Setter m_setter;
     QSpinBox *const m_editor;
-    int m_value = 0;
+    std::optional<int> m_minimum;
+    std::optional<int> m_maximum;
+    std::optional<int> m_value;
+    /// How many answers are still to come.
+    int m_awaited = 0;
 };
 
 /// One of the texts in a value list of the service.
