@@ -55,6 +55,9 @@ struct Method
     /// Where the first argument of that role stands; -1 without one.
     int indexOf(Role role) const;
     bool has(Role role) const { return indexOf(role) >= 0; }
+
+    /// Whether it writes a setting, also one that an argument names.
+    bool takesValue() const { return writes || has(Role::Value); }
 };
 
 /// What a method reads or writes, under one name or, when keyed, under one name and a key.

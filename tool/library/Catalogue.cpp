@@ -49,8 +49,7 @@ void describe(Operation *operation, const contract::Method &method)
     operation->setting = method.setting;
     operation->writes = method.writes;
     operation->isSecret = method.isSecret;
-    operation->isQuery =
-        !method.writes && !method.meaning.isEmpty() && !method.has(contract::Role::Value);
+    operation->isQuery = !method.takesValue() && !method.meaning.isEmpty();
     operation->collectionIdAt = method.indexOf(contract::Role::CollectionId);
     setEnumeration(&operation->result, method.resultEnumeration);
     // The library's parameters are sent in their order.

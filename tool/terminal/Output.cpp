@@ -182,8 +182,9 @@ void Output::table(const QVector<QStringList> &rows, const QStringList &header,
     for (const QStringList &cells : QVector<QStringList>{header} + rows)
         shown.append(printableCells(cells));
     const QVector<int> breaking = m_lineWidth > 0 ? prose : QVector<int>();
-    const QVector<int> widths =
-        fitted(columnWidths(shown), leastWidths(shown, breaking), m_lineWidth);
+    QVector<int> widths = columnWidths(shown);
+    if (m_lineWidth > 0)
+        widths = fitted(widths, leastWidths(shown, breaking), m_lineWidth);
     if (!header.isEmpty())
         row(shown.first(), widths, breaking, headingStyle);
     for (int i = 1; i < shown.size(); ++i)

@@ -30,9 +30,8 @@ bool onlyReads(const contract::Method &method)
     static const QStringList tellingCommands{QStringLiteral("embosserInfoCmd"), configurationReport,
                                              QStringLiteral("buildHammerBatchString"),
                                              QStringLiteral("returnDocSettingKey")};
-    // Some write a setting that they are told the name of.
-    const bool writes = method.writes || method.has(contract::Role::Value);
-    return !writes && (!method.meaning.isEmpty() || tellingCommands.contains(method.name));
+    return !method.takesValue() &&
+           (!method.meaning.isEmpty() || tellingCommands.contains(method.name));
 }
 
 bool takesNothing(const contract::Method &method)
