@@ -30,9 +30,26 @@ QStringList texts(const QVector<QByteArray> &arguments)
     return texts;
 }
 
+/// While an object lives, what is long is collected, to be paged through.
+class Paging
+{
+public:
+    Paging(Output &output, const CommandLine &line) : m_output(output)
+    {
+        if (line.help || (line.command && line.command->isLong))
+            m_output.beginPaging();
+    }
+    ~Paging() { m_output.endPaging(); }
+    Q_DISABLE_COPY(Paging)
+
+private:
+    Output &m_output;
+};
+
 ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output &output)
 {
     const Catalogue catalogue;
+    const Paging paging(output, line);
     if (!line.generate.isEmpty()) {
         output.text(documentation(line.generate, commands, catalogue));
         return ExitStatus::Done;

@@ -16,16 +16,17 @@ const int patienceInMilliseconds = 30000;
 
 } // namespace
 
-Terminal::Terminal(const QStringList &arguments, int columns)
-    : Terminal(QStringLiteral(EMBOSSERCTL), arguments, columns)
+Terminal::Terminal(const QStringList &arguments, int columns, int rows)
+    : Terminal(QStringLiteral(EMBOSSERCTL), arguments, columns, rows)
 {
 }
 
-Terminal::Terminal(const QString &program, const QStringList &arguments, int columns)
+Terminal::Terminal(const QString &program, const QStringList &arguments, int columns, int rows)
     : ChildProcess(program, arguments)
 {
     winsize size = {};
     size.ws_col = static_cast<unsigned short>(columns);
+    size.ws_row = static_cast<unsigned short>(rows);
     if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
         qFatal("no terminal: %s", std::strerror(errno));
     start();

@@ -13,9 +13,9 @@ class Terminal : public ChildProcess
 {
     Q_OBJECT
 public:
-    /// Has so many columns, or an unknown number.
-    explicit Terminal(const QStringList &arguments, int columns = 0);
-    Terminal(const QString &program, const QStringList &arguments, int columns = 0);
+    /// Has so many columns and rows, or an unknown number.
+    explicit Terminal(const QStringList &arguments, int columns = 0, int rows = 0);
+    Terminal(const QString &program, const QStringList &arguments, int columns = 0, int rows = 0);
     ~Terminal() override;
 
     /// Whether this machine has terminals to give, which a container may lack.

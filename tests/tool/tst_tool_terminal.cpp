@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <utility>
 
 namespace {
 
@@ -24,6 +25,31 @@ QStringList wordsOf(const QByteArray &shown)
     return words;
 }
 
+/// A variable of the environment that is as before when the object goes.
+class Variable
+{
+public:
+    Variable(QByteArray name, const QByteArray &value)
+        : m_name(std::move(name)), m_before(qgetenv(m_name.constData()))
+    {
+        qputenv(m_name.constData(), value);
+    }
+    ~Variable()
+    {
+        if (m_before.isNull())
+            qunsetenv(m_name.constData());
+        else
+            qputenv(m_name.constData(), m_before);
+    }
+    Q_DISABLE_COPY(Variable)
+
+private:
+    QByteArray m_name;
+    QByteArray m_before;
+};
+
+const QByteArray markingPager = "sed 's/^/paged: /'";
+
 } // namespace
 
 /// What is different when a person sits in front of the tool.
@@ -35,7 +61,8 @@ private Q_SLOTS:
     void initTestCase()
     {
         qputenv("TERM", "xterm");
-        qunsetenv("NO_COLOR");
+        for (const char *variable : {"NO_COLOR", "EMBOSSERCTL_PAGER", "PAGER", "LESS"})
+            qunsetenv(variable);
     }
 
     void init()
@@ -156,6 +183,136 @@ private Q_SLOTS:
         QCOMPARE(wordsOf(shown), wordsOf(whole));
     }
 
+    void pagesThroughWhatIsHigherThanTheTerminal_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("line");
+        const auto row = [](const char *arguments, const char *line) {
+            QTest::newRow(arguments)
+                << QString::fromLatin1(arguments).split(QLatin1Char(' ')) << QByteArray(line);
+        };
+        row("list clearLog", "paged: clearLog()");
+        row("settings PrintSpeed", "paged: PrintSpeed");
+        row("describe PrintSpeed", "paged: getPrintSpeed()");
+        row("--help", "paged: Usage:");
+        row("set --help", "paged: Usage:");
+    }
+
+    void pagesThroughWhatIsHigherThanTheTerminal()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, line);
+        const QStringList plain = arguments + QStringList{QStringLiteral("--no-color")};
+        const Variable pager("EMBOSSERCTL_PAGER", markingPager);
+        const QByteArray fitting = Terminal(plain, 80, 200).shownAtEnd();
+        QVERIFY2(!fitting.contains("paged: "), fitting.constData());
+        // The prompt that follows takes a line as well.
+        const int rows = fitting.count('\n');
+        QCOMPARE(Terminal(plain, 80, rows + 1).shownAtEnd(), fitting);
+        const QByteArray shown = Terminal(plain, 80, rows).shownAtEnd();
+        QVERIFY2(shown.contains(line), shown.constData());
+        QCOMPARE(shown.count("paged: "), rows);
+        QCOMPARE(QByteArray(shown).replace("paged: ", ""), fitting);
+    }
+
+    void countsTheLinesThatATerminalBreaks()
+    {
+        const Variable pager("EMBOSSERCTL_PAGER", markingPager);
+        // Colours take no room.
+        const QStringList list{QStringLiteral("list"), QStringLiteral("clearLog")};
+        const int rows = Terminal(list, 80, 200).shownAtEnd().count('\n') + 1;
+        QVERIFY(!Terminal(list, 80, rows).shownAtEnd().contains("paged: "));
+        // The name of the operation is wider.
+        QVERIFY(Terminal(list, 5, rows).shownAtEnd().contains("paged: "));
+    }
+
+    void startsNoPager_data()
+    {
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QString>("command");
+        const auto row = [](const char *name, const char *variable, const char *value,
+                            const char *command) {
+            QTest::newRow(name) << QByteArray(variable) << QByteArray(value)
+                                << QString::fromLatin1(command);
+        };
+        row("dumb terminal", "TERM", "dumb", "embosserctl list clearLog");
+        row("--no-pager", "TERM", "xterm", "embosserctl list clearLog --no-pager");
+        row("JSON", "TERM", "xterm", "embosserctl list clearLog --json");
+        row("no terminal to type at", "TERM", "xterm", "embosserctl list clearLog </dev/null");
+        row("no terminal to read from", "TERM", "xterm", "embosserctl list clearLog | cat");
+        row("what is short", "TERM", "xterm", "embosserctl get PrintSpeed");
+        row("cat", "EMBOSSERCTL_PAGER", "cat", "embosserctl list clearLog");
+        row("an empty text", "EMBOSSERCTL_PAGER", "", "embosserctl list clearLog");
+        row("a pager that is missing", "EMBOSSERCTL_PAGER", "/nowhere/pager",
+            "embosserctl list clearLog 2>/dev/null");
+    }
+
+    void startsNoPager()
+    {
+        QFETCH(QByteArray, variable);
+        QFETCH(QByteArray, value);
+        QFETCH(QString, command);
+        const Variable pager("PAGER", markingPager);
+        const Variable changed(variable, value);
+        const QString line = QStringLiteral("PATH='" COMMAND_DIRECTORY "':$PATH; %1").arg(command);
+        Terminal terminal(QStringLiteral("sh"), {QStringLiteral("-c"), line}, 80, 1);
+        const QByteArray shown = terminal.shownAtEnd();
+        QVERIFY2(shown.contains("clearLog") || shown.contains("Low"), shown.constData());
+        QVERIFY2(!shown.contains("paged: "), shown.constData());
+        QCOMPARE(terminal.exitCode(), 0);
+    }
+
+    void prefersThePagerOfItsOwn()
+    {
+        const Variable others("PAGER", "sed 's/^/other: /'");
+        QVERIFY(Terminal(listOne(), 80, 1).shownAtEnd().contains("other: "));
+        const Variable own("EMBOSSERCTL_PAGER", markingPager);
+        QVERIFY(Terminal(listOne(), 80, 1).shownAtEnd().contains("paged: "));
+    }
+
+    void hasLessShowColours()
+    {
+        const Variable pager("PAGER", "echo \"LESS is $LESS\"; cat");
+        QVERIFY(Terminal(listOne(), 80, 1).shownAtEnd().startsWith("LESS is FRX\r\n"));
+        const Variable less("LESS", "i");
+        QVERIFY(Terminal(listOne(), 80, 1).shownAtEnd().startsWith("LESS is i\r\n"));
+    }
+
+    void keepsItsStatusWhateverThePagerDoes_data()
+    {
+        QTest::addColumn<QByteArray>("pager");
+        QTest::newRow("it reads no more") << QByteArray("head -n 1");
+        QTest::newRow("it fails") << QByteArray("head -n 1; exit 3");
+        QTest::newRow("it is killed") << QByteArray("head -n 1; kill -9 $$");
+    }
+
+    void keepsItsStatusWhateverThePagerDoes()
+    {
+        QFETCH(QByteArray, pager);
+        const Variable changed("PAGER", pager);
+        // Long enough for a pipe to be full.
+        Terminal terminal({QStringLiteral("list"), QStringLiteral("--no-color")}, 80, 20);
+        const QByteArray shown = terminal.shownAtEnd();
+        QCOMPARE(shown.count('\n'), 1);
+        QVERIFY2(!shown.contains("embosserctl"), shown.constData());
+        QCOMPARE(terminal.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(terminal.exitCode(), 0);
+    }
+
+    void leavesControlCToThePager()
+    {
+        const Variable changed("PAGER", "caught=; trap 'caught=yes' INT; echo paging; "
+                                        "until [ $caught ]; do sleep 0.1; done; cat");
+        Terminal terminal(listOne(), 80, 1);
+        QVERIFY(terminal.shows("paging\r\n"));
+        terminal.type(controlC);
+        const QByteArray shown = terminal.shownAtEnd();
+        QVERIFY2(shown.contains("clearLog()"), shown.constData());
+        QCOMPARE(terminal.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(terminal.exitCode(), 0);
+    }
+
     void leavesTheColoursOut_data()
     {
         QTest::addColumn<QByteArray>("variable");
@@ -172,13 +329,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, variable);
         QFETCH(QByteArray, value);
         QFETCH(QStringList, options);
-        const QByteArray before = qgetenv(variable.constData());
-        qputenv(variable.constData(), value);
+        const Variable changed(variable, value);
         const QByteArray shown = Terminal(getTwo() + options).shownAtEnd();
-        if (before.isNull())
-            qunsetenv(variable.constData());
-        else
-            qputenv(variable.constData(), before);
         QCOMPARE(shown, QByteArray("PrintSpeed  Low\r\nDraftSpeed  2500\r\n"));
     }
 
@@ -323,6 +475,8 @@ private:
     {
         return {QStringLiteral("get"), QStringLiteral("PrintSpeed"), QStringLiteral("DraftSpeed")};
     }
+
+    static QStringList listOne() { return {QStringLiteral("list"), QStringLiteral("clearLog")}; }
 
     /// An answer that leaves time to interrupt the tool while it waits.
     static Answer delayed()

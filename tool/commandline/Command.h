@@ -75,6 +75,8 @@ struct Command
     Completion completion = Completion::None;
     /// Whether only the first argument is a name, and not all.
     bool namesFirstOnly = false;
+    /// Whether a person may want to page through what it prints.
+    bool isLong = false;
     QVector<Option> options;
     QString summary;
     /// Paragraphs.

@@ -17,6 +17,7 @@ const QString collectionOption = QStringLiteral("collection");
 const QString jsonOption = QStringLiteral("json");
 const QString quietOption = QStringLiteral("quiet");
 const QString noColorOption = QStringLiteral("no-color");
+const QString noPagerOption = QStringLiteral("no-pager");
 const QString addressOption = QStringLiteral("address");
 const QString hostOption = QStringLiteral("host");
 const QString timeoutOption = QStringLiteral("timeout");
@@ -108,6 +109,7 @@ const QVector<Option> &commonOptions()
          QStringLiteral("give up when the service has not answered for so long, 5 if not given; 0 "
                         "for the time-out of the bus")},
         {noColorOption, {}, QStringLiteral("do not colour the output")},
+        {noPagerOption, {}, QStringLiteral("do not start a pager for what is long")},
         {helpOption,
          {},
          QStringLiteral("print this help, or that of the command"),
@@ -136,6 +138,7 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
         line.generate = given.options.value(generateOption).last();
     line.output.json = given.options.contains(jsonOption);
     line.output.quiet = given.options.contains(quietOption);
+    line.output.pager = !given.options.contains(noPagerOption);
     line.output.color = !given.options.contains(noColorOption);
     if (given.options.contains(collectionOption))
         line.session.collection = given.options.value(collectionOption).last();

@@ -142,6 +142,7 @@ Command describeCommand()
             "setting, for the operations that read and write it. The service is not needed; if it "
             "is there, it tells the range or the choices, the unit and the default of a setting."),
     };
+    command.isLong = true;
     command.run = runDescribe;
     return command;
 }

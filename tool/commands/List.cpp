@@ -87,6 +87,7 @@ Command listCommand()
             "the meaning and the group or, if it contains the wildcards * or ?, against the whole "
             "name. Case is ignored. The service is not needed."),
     };
+    command.isLong = true;
     command.run = runList;
     return command;
 }

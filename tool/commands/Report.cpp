@@ -84,6 +84,7 @@ Command reportCommand()
                        "current configuration. The values of an enumeration are shown by key where "
                        "a setting has the same name. Secrets are not shown."),
     };
+    command.isLong = true;
     command.run = runReport;
     return command;
 }

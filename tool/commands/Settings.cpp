@@ -129,6 +129,7 @@ Command settingsCommand()
             "of the name or the meaning or, if it contains the wildcards * or ?, against the whole "
             "name. Case is ignored."),
     };
+    command.isLong = true;
     command.run = runSettings;
     return command;
 }

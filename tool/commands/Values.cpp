@@ -51,6 +51,7 @@ Command valuesCommand()
         QStringLiteral("Shows the values that the service offers for a setting, as a table. ROW is "
                        "a key of RowValueList, such as Papers or BaudRate, or a number."),
     };
+    command.isLong = true;
     command.run = runValues;
     return command;
 }

@@ -30,6 +30,10 @@ QStringList ProgramText::description()
             "the value, and set reads it from standard input, or prompts for it without echo."),
         QStringLiteral("On a terminal, the output is aligned and coloured. Otherwise it is plain, "
                        "with columns separated by tabs."),
+        QStringLiteral("What list, settings, describe, values, report and --help print is shown "
+                       "by a pager if it is higher than the terminal and standard input is a "
+                       "terminal too, unless TERM is dumb, JSON is printed or --no-pager is "
+                       "given."),
     };
 }
 
@@ -53,6 +57,10 @@ QVector<QStringList> ProgramText::environment()
     return {
         {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"),
          QStringLiteral("the address of the bus to use as the system bus")},
+        {QStringLiteral("EMBOSSERCTL_PAGER, PAGER"),
+         QStringLiteral("the pager, less if neither is set; cat or an empty text for none")},
+        {QStringLiteral("LESS"),
+         QStringLiteral("the options of less; FRX for the pager if it is not set")},
         {QStringLiteral("NO_COLOR"), QStringLiteral("if not empty, same as --no-color")},
     };
 }

@@ -5,6 +5,8 @@
 #include "common/JsonText.h"
 #include "common/Quoting.h"
 #include "terminal/Columns.h"
+#include "terminal/Pager.h"
+#include "terminal/TerminalSize.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -14,19 +16,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include <utility>
 
 namespace tool {
 
 namespace {
-
-/// 0 if it is not known.
-int terminalWidth()
-{
-    winsize size = {};
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
-}
 
 const QString rowStyle = QStringLiteral("1");
 const QString headingStyle = QStringLiteral("1;36");
@@ -36,11 +30,6 @@ void write(FILE *file, const QString &text)
     QTextStream stream(file);
     stream.setCodec("UTF-8");
     stream << text;
-}
-
-void writeLine(FILE *file, const QString &line)
-{
-    write(file, line + QLatin1Char('\n'));
 }
 
 QStringList printableCells(const QStringList &cells)
@@ -101,7 +90,7 @@ QByteArray document(const QJsonValue &value, QJsonDocument::JsonFormat format)
 Output::Output(const OutputOptions &options)
     : m_options(options),
       m_isTerminal(isatty(STDOUT_FILENO)),
-      m_lineWidth(m_isTerminal ? terminalWidth() : 0)
+      m_lineWidth(m_isTerminal ? terminalSize().ws_col : 0)
 {
     m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR") &&
                       qgetenv("TERM") != "dumb";
@@ -117,6 +106,32 @@ bool Output::showsProgress() const
     return isatty(STDERR_FILENO) && !m_options.quiet;
 }
 
+void Output::beginPaging()
+{
+    if (m_options.pager && !m_options.json && isPagingPossible())
+        m_collected = std::make_shared<QString>();
+}
+
+void Output::endPaging()
+{
+    const std::shared_ptr<QString> text = std::exchange(m_collected, nullptr);
+    if (text && !(isHigherThanTerminal(*text) && showInPager(*text)))
+        print(*text);
+}
+
+void Output::print(const QString &text) const
+{
+    if (m_collected)
+        *m_collected += text;
+    else
+        write(stdout, text);
+}
+
+void Output::printLine(const QString &line) const
+{
+    print(line + QLatin1Char('\n'));
+}
+
 QString Output::styled(const QString &text, const QString &style) const
 {
     if (!m_options.color || style.isEmpty())
@@ -126,17 +141,17 @@ QString Output::styled(const QString &text, const QString &style) const
 
 void Output::text(const QString &text) const
 {
-    write(stdout, text);
+    print(text);
 }
 
 void Output::line(const QString &text) const
 {
-    writeLine(stdout, m_isTerminal ? printable(text) : text);
+    printLine(m_isTerminal ? printable(text) : text);
 }
 
 void Output::heading(const QString &text) const
 {
-    writeLine(stdout, styled(printable(text), headingStyle));
+    printLine(styled(printable(text), headingStyle));
 }
 
 void Output::row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
@@ -172,7 +187,7 @@ void Output::rowLine(const QStringList &cells, const QVector<int> &widths,
         else if (!isLast)
             line += QLatin1Char('\t');
     }
-    writeLine(stdout, line);
+    printLine(line);
 }
 
 void Output::table(const QVector<QStringList> &rows, const QStringList &header,
@@ -206,24 +221,24 @@ void Output::value(const QJsonValue &value) const
 void Output::json(const QJsonValue &value)
 {
     m_hasDocument = true;
-    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Indented)));
+    printLine(QString::fromUtf8(document(value, QJsonDocument::Indented)));
 }
 
 void Output::jsonLine(const QJsonValue &value)
 {
     m_isStream = true;
-    writeLine(stdout, QString::fromUtf8(document(value, QJsonDocument::Compact)));
+    printLine(QString::fromUtf8(document(value, QJsonDocument::Compact)));
 }
 
 void Output::note(const QString &text) const
 {
     if (!m_options.quiet)
-        writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
+        write(stderr, QStringLiteral("embosserctl: ") + printable(text) + QLatin1Char('\n'));
 }
 
 void Output::error(const QString &text) const
 {
-    writeLine(stderr, QStringLiteral("embosserctl: ") + printable(text));
+    write(stderr, QStringLiteral("embosserctl: ") + printable(text) + QLatin1Char('\n'));
 }
 
 void Output::failure(const Failure &failure)

@@ -8,6 +8,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+#include <memory>
+
 namespace tool {
 
 class Failure;
@@ -18,6 +20,7 @@ struct OutputOptions
     bool json = false;
     bool quiet = false;
     bool color = true;
+    bool pager = true;
 };
 
 /// Results on standard output, everything else on standard error.
@@ -37,6 +40,12 @@ public:
 
     /// Whether a progress bar is of use.
     bool showsProgress() const;
+
+    /// From here on, results are collected, if there is somebody who can page through them.
+    void beginPaging();
+
+    /// Prints what has been collected, by the user's pager if it is higher than the terminal.
+    void endPaging();
 
     /// Text that has its own lines.
     void text(const QString &text) const;
@@ -59,6 +68,8 @@ public:
     void failure(const Failure &failure);
 
 private:
+    void print(const QString &text) const;
+    void printLine(const QString &line) const;
     QString styled(const QString &text, const QString &style) const;
     void row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
              const QString &firstStyle) const;
@@ -69,6 +80,8 @@ private:
     bool m_isTerminal;
     /// Of the terminal; 0 if it is not known.
     int m_lineWidth = 0;
+    /// The results that are to be paged; null while they are printed at once.
+    std::shared_ptr<QString> m_collected;
     bool m_hasDocument = false;
     bool m_isStream = false;
 };
