@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <pthread.h>
 
 namespace libconfigurationmanager {
 
@@ -62,11 +63,39 @@ AsyncConfigurationManagerPrivate::call(const QString &method, const QVariantList
     return call;
 }
 
+void AsyncConfigurationManagerPrivate::relay(AsyncConfigurationManager *manager,
+                                             void (AsyncConfigurationManager::*signal)())
+{
+    // A slot may destroy the manager.
+    const QExplicitlySharedDataPointer<AsyncConfigurationManagerPrivate> alive(this);
+    isRelaying = true;
+    Q_EMIT(manager->*signal)();
+    isRelaying = false;
+}
+
 namespace {
+
+/// The system bus, asked for by another thread than the application's, if nobody has yet.
+///
+/// For the application's, Qt holds back what the bus sends until the event loop runs. The name that
+/// the bus has given to the connection is then noted, without a lock, while calls are made that
+/// look it up: now and then such a call would crash.
+QDBusConnection systemBus()
+{
+    // std::thread would cost more than the class may be large.
+    pthread_t thread;
+    const auto ask = [](void *) -> void * {
+        QDBusConnection::systemBus();
+        return nullptr;
+    };
+    if (pthread_create(&thread, nullptr, ask, nullptr) == 0)
+        pthread_join(thread, nullptr);
+    return QDBusConnection::systemBus();
+}
 
 AsyncConfigurationManagerPrivate *privateOf(AsyncConfigurationManager *manager)
 {
-    auto *service = new DBusService(QDBusConnection::systemBus(), detail::serviceName, manager);
+    auto *service = new DBusService(systemBus(), detail::serviceName, manager);
     auto *queue =
         new CallQueue(service, service->interface(detail::objectPath, detail::serviceName));
     return new AsyncConfigurationManagerPrivate(service, queue);
@@ -79,18 +108,11 @@ AsyncConfigurationManager::AsyncConfigurationManager(QObject *parent)
 {
     detail::CallInFlight::awaitAllAtExit();
     detail::registerWireTypes();
-    const auto relay = [this](void (AsyncConfigurationManager::*signal)()) {
-        // A slot may destroy this object.
-        const auto alive = d;
-        alive->isRelaying = true;
-        Q_EMIT(this->*signal)();
-        alive->isRelaying = false;
-    };
     connect(d->service, &DBusService::connected, this,
-            [relay] { relay(&AsyncConfigurationManager::connected); });
-    connect(d->service, &DBusService::disconnected, this, [this, relay] {
+            [this] { d->relay(this, &AsyncConfigurationManager::connected); });
+    connect(d->service, &DBusService::disconnected, this, [this] {
         d->queue->serviceHasLeft();
-        relay(&AsyncConfigurationManager::disconnected);
+        d->relay(this, &AsyncConfigurationManager::disconnected);
     });
 }
 

@@ -24,6 +24,8 @@ public:
     call(const QString &method, const QVariantList &arguments, int resultType,
          const char *notConnectedText, bool isInQuestion) const;
 
+    void relay(AsyncConfigurationManager *manager, void (AsyncConfigurationManager::*signal)());
+
     libtavelorn::DBusService *const service;
     const QExplicitlySharedDataPointer<CallQueue> queue;
     QString collectionId;

@@ -139,12 +139,14 @@ void CallQueue::close()
     const QDBusError cancelled(QDBusMessage::createError(
         QLatin1String("libconfigurationmanager.Error.Cancelled"),
         QLatin1String("The calls were given up before the answer arrived.")));
-    const QList<Call> calls = std::exchange(m_onBus, {}) + std::exchange(m_waiting, {});
-    for (const Call &call : calls) {
-        if (call->isOnBus() && call->isAnswered())
-            call->finishWithAnswer();
-        else
-            call->finish(cancelled);
+    for (QList<Call> *list : {&m_onBus, &m_waiting}) {
+        const QList<Call> calls = std::exchange(*list, {});
+        for (const Call &call : calls) {
+            if (call->isOnBus() && call->isAnswered())
+                call->finishWithAnswer();
+            else
+                call->finish(cancelled);
+        }
     }
 }
 

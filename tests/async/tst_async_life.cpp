@@ -273,6 +273,23 @@ private Q_SLOTS:
         }
     }
 
+    void callsAreMadeWhileTheEventLoopStarts()
+    {
+        m_service.setAnswer(Answer::value(8));
+        for (int i = 0; i < 5; ++i) {
+            ChildProcess program(QStringLiteral(CALLS_AT_ONCE_PROGRAM), {});
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(LATE_NAMES_LIBRARY));
+            environment.insert(QStringLiteral("GLIBC_TUNABLES"),
+                               QStringLiteral("glibc.malloc.perturb=165"));
+            program.setProcessEnvironment(environment);
+            program.start();
+            QVERIFY(program.waitForFinished());
+            QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(program.exitCode(), 0);
+        }
+    }
+
     void aForkedProcessHasNoConnection()
     {
         m_service.setAnswer(Answer::value(8));

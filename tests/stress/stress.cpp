@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <numeric>
 #include <thread>
 #include <vector>
@@ -108,6 +109,10 @@ private:
 
 std::vector<std::unique_ptr<ConfigurationManager>> managers(int count)
 {
+    // As an application does whose threads call while its event loop starts.
+    static std::once_flag isBusAskedFor;
+    std::call_once(isBusAskedFor, [] { std::thread([] { QDBusConnection::systemBus(); }).join(); });
+
     std::vector<std::unique_ptr<ConfigurationManager>> all;
     for (int i = 0; i < count; ++i) {
         all.push_back(std::make_unique<ConfigurationManager>(nullptr));
