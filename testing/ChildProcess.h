@@ -3,7 +3,8 @@
 #ifndef TESTING_CHILDPROCESS_H
 #define TESTING_CHILDPROCESS_H
 
-#include <QtCore/QProcess>
+#include "src/BoundProcess.h"
+
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -11,26 +12,16 @@
 ///
 /// Take it for every program: Qt starts a plain QProcess by a system call that the emulator of
 /// another machine may lack, and then takes every process of the user for that program.
-class ChildProcess : public QProcess
+class ChildProcess : public libconfigurationmanager::BoundProcess
 {
     Q_OBJECT
 public:
     ChildProcess(const QString &program, const QStringList &arguments);
-    ~ChildProcess() override;
 
     /// Starts the process and returns the first line that it prints, which says that it is ready.
     ///
     /// Stops the test process if there is none: nothing could be tested.
     QString startAndReadLine();
-
-    /// Ends the process at once, as a crash would.
-    void killAndWait();
-
-    /// Asks the process to end and waits until it has.
-    void terminateAndWait();
-
-protected:
-    void setupChildProcess() override;
 };
 
 #endif

@@ -27,10 +27,7 @@ QStringList commandOf(const QString &socket, const QString &configuration)
                 socket,
                 configuration};
     }
-    return {QStringLiteral("dbus-daemon"), QStringLiteral("--nofork"),
-            QStringLiteral("--print-address"), QStringLiteral("--address=unix:path=") + socket,
-            configuration.isEmpty() ? QStringLiteral("--session")
-                                    : QStringLiteral("--config-file=") + configuration};
+    return libconfigurationmanager::dbusDaemonCommand(socket, configuration);
 }
 
 } // namespace

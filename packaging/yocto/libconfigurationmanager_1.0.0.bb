@@ -31,6 +31,8 @@ PACKAGECONFIG[simulator] = "-DLIBCONFIGURATIONMANAGER_SIMULATOR=ON,-DLIBCONFIGUR
 PACKAGECONFIG[tool] = "-DLIBCONFIGURATIONMANAGER_TOOL=ON,-DLIBCONFIGURATIONMANAGER_TOOL=OFF"
 # The calls that do not wait, in a package of their own; the tool is built only together with it.
 PACKAGECONFIG[async] = "-DLIBCONFIGURATIONMANAGER_ASYNC=ON,-DLIBCONFIGURATIONMANAGER_ASYNC=OFF"
+# For the tests of applications, in the package of static libraries.
+PACKAGECONFIG[testing] = "-DLIBCONFIGURATIONMANAGER_TESTING=ON,-DLIBCONFIGURATIONMANAGER_TESTING=OFF"
 # The embosser manufacturer's libtavelorn, from a recipe of that name, instead of the one here.
 PACKAGECONFIG[installed-libtavelorn] = "-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=ON,-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=OFF,libtavelorn"
 

@@ -8,7 +8,7 @@ import unittest
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 # Where the compiler looks for a header of the project, beside the folder of the including file.
-SEARCHED = ("", "include", "libtavelorn/include", "async/include", "src", "simulator", "tool")
+SEARCHED = ("", "include", "libtavelorn/include", "async/include", "testing/include", "src", "simulator", "tool")
 INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.MULTILINE)
 ROW = re.compile(r"^\| `([\w/]+)/` \|(.*)\|$", re.MULTILINE)
 

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Programs of others are built with what is installed, wherever it has been moved to."""
 
+import os
 import pathlib
 import shutil
 import subprocess
@@ -69,6 +70,41 @@ class Consumers(unittest.TestCase):
     def test_that_do_not_wait_with_qmake(self):
         self.assert_runs_by_qmake(ASYNC_CONSUMER)
 
+    def test_test_themselves(self):
+        run("cmake", "-S", SOURCE / "examples/consumer-tests", "-B", self.folder,
+            f"-DCMAKE_PREFIX_PATH={self.prefix}")
+        run("cmake", "--build", self.folder)
+        run("ctest", "--test-dir", self.folder, "--output-on-failure", "--no-tests=error",
+            PATH=f"{self.prefix / 'bin'}:{os.environ['PATH']}")
+
+    def test_test_themselves_by_pkg_config(self):
+        self.folder.mkdir()
+        program = self.folder / "main.cpp"
+        program.write_text("#include <libconfigurationmanager-testing/SimulatedEmbosser.h>\n"
+                           "#include <QtCore/QCoreApplication>\n"
+                           "int main(int argc, char **argv)\n"
+                           "{\n"
+                           "    QCoreApplication application(argc, argv);\n"
+                           "    libconfigurationmanager::SimulatedEmbosser embosser;\n"
+                           "    embosser.start();\n"
+                           "    return embosser.calls().size();\n"
+                           "}\n")
+        flags = run("pkg-config", "--cflags", "--libs", "libconfigurationmanager-testing",
+                    PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig")
+        run("g++", "-fPIC", program, *flags.split(), "-o", self.folder / "consumer")
+        run(self.folder / "consumer", PATH=f"{self.prefix / 'bin'}:{os.environ['PATH']}")
+
+    def test_ask_for_a_component_that_is_not_there(self):
+        self.folder.mkdir()
+        (self.folder / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.22)\n"
+            "project(consumer LANGUAGES CXX)\n"
+            "find_package(libconfigurationmanager REQUIRED COMPONENTS nothing)\n")
+        with self.assertRaisesRegex(
+                AssertionError, "package\\s+libconfigurationmanager-nothing\\s+is\\s+not\\s+installed"):
+            run("cmake", "-S", self.folder, "-B", self.folder / "build",
+                f"-DCMAKE_PREFIX_PATH={self.prefix}")
+
     def test_of_the_support_library_alone(self):
         self.folder.mkdir()
         program = self.folder / "main.cpp"
@@ -89,7 +125,8 @@ class Consumers(unittest.TestCase):
         run("g++", "-fPIC", program, *flags.split(), "-o", self.folder / "consumer")
 
     def test_are_told_the_version(self):
-        for package in ("libconfigurationmanager", "libconfigurationmanager-async", "libtavelorn"):
+        for package in ("libconfigurationmanager", "libconfigurationmanager-async",
+                        "libconfigurationmanager-testing", "libtavelorn"):
             self.assertEqual(run("pkg-config", "--modversion", package,
                                  PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig"), VERSION + "\n")
 
@@ -106,7 +143,7 @@ class Consumers(unittest.TestCase):
             "-DCMAKE_BUILD_TYPE=Debug", f"-DCMAKE_PREFIX_PATH={self.prefix}",
             "-DLIBCONFIGURATIONMANAGER_INSTALLED_LIBTAVELORN=ON",
             "-DLIBCONFIGURATIONMANAGER_SIMULATOR=OFF", "-DLIBCONFIGURATIONMANAGER_TOOL=OFF",
-            "-DLIBCONFIGURATIONMANAGER_EXAMPLES=OFF")
+            "-DLIBCONFIGURATIONMANAGER_TESTING=OFF", "-DLIBCONFIGURATIONMANAGER_EXAMPLES=OFF")
         run("cmake", "--build", self.folder)
         staged = self.directory / "library-only"
         run("cmake", "--install", self.folder, "--prefix", staged)

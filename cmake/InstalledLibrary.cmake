@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 
-# What the project's shared libraries have in common: Qt's conventions, hidden visibility, a
+# What the project's installed libraries have in common: Qt's conventions, hidden visibility, a
 # version and the installation with a CMake package and a pkg-config file.
 #
 # name: the target, the package and the folder of the headers.
@@ -9,7 +9,7 @@
 # INCLUDE_DIR: the folder that holds the folder of the public headers.
 # PACKAGES: packages that a user of this one needs as well, as find_dependency takes them.
 # PKG_CONFIG_REQUIRES: the same, as pkg-config names them.
-function(configure_shared_library name)
+function(configure_installed_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg ""
         "DESCRIPTION;INCLUDE_DIR;PKG_CONFIG_REQUIRES;TARGET" "PACKAGES")
     if(NOT arg_TARGET)
@@ -27,6 +27,7 @@ function(configure_shared_library name)
 
     install(TARGETS ${name} EXPORT ${name}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
     install(DIRECTORY ${arg_INCLUDE_DIR}/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
