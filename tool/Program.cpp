@@ -62,7 +62,14 @@ ExitStatus run(const CommandLine &line, const QVector<Command> &commands, Output
         output.text(line.command ? commandHelp(*line.command) : programHelp(commands));
         return ExitStatus::Done;
     }
-    return line.command->run({line.arguments, line.options, line.session, output, catalogue});
+    const Request request{line.arguments, line.options, line.session, output, catalogue};
+    if (!line.complete)
+        return line.command->run(request);
+    if (line.command->candidates) {
+        for (const QString &candidate : line.command->candidates(request))
+            output.line(candidate);
+    }
+    return ExitStatus::Done;
 }
 
 /// What a full disk has swallowed must not pass for done.

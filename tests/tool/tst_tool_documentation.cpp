@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "PrivateBus.h"
 #include "Shell.h"
 #include "Terminal.h"
 
@@ -21,6 +22,18 @@ class TestToolDocumentation : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        m_simulator.startAndReadLine();
+        // A busy machine may take more time than the completions give.
+        QFile patient(m_patient.filePath(QStringLiteral("embosserctl")));
+        QVERIFY(patient.open(QFile::WriteOnly));
+        patient.write("#!/bin/sh\n"
+                      "case $1 in --timeout) shift 2; set -- --timeout 60 \"$@\" ;; esac\n"
+                      "exec '" COMMAND_DIRECTORY "/embosserctl' \"$@\"\n");
+        QVERIFY(patient.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
+
     void manualPageIsWellFormed_data()
     {
         QTest::addColumn<QString>("file");
@@ -135,6 +148,29 @@ private Q_SLOTS:
         row("no value of an own option", "embosserctl restore --except conf", "");
         row("files after an own option", "embosserctl restore --except Model conf",
             "config one.json\n");
+        row("names after an own option", "embosserctl restore --except KeepF", "KeepFormat\n");
+        row("names after an own option with =", "embosserctl restore --except = KeepF",
+            "KeepFormat\n");
+        row("after a short option", "embosserctl -c other get PrintSp", "PrintSpeed\n");
+        row("values", "embosserctl set HammerImpact ''", "Soft\nNormal\nHard\n");
+        row("values of an enumeration", "embosserctl set FormatOrientation La", "Landscape\n");
+        row("values that are names", "embosserctl set PaperSize Leg", "Legal\n");
+        row("truth", "embosserctl set SpeakCustomPaper ''", "yes\nno\n");
+        row("what is assigned", "embosserctl set HammerImpact =", "Soft\nNormal\nHard\n");
+        row("the beginning of what is assigned", "embosserctl set HammerImpact = H", "Hard\n");
+        row("another name to assign to", "embosserctl set HammerImpact = Hard FormatOr",
+            "FormatOrientation=\n");
+        row("what is assigned to another",
+            "embosserctl set HammerImpact = Hard FormatOrientation = La", "Landscape\n");
+        row("a space", "embosserctl set StandbyPosition T", "Tear\\ off\n");
+        row("no secret", "embosserctl set Passphrase ''", "");
+        row("nothing of another bus", "embosserctl -H x set HammerImpact ''", "");
+        row("papers", "embosserctl paper Leg", "Legal\n");
+        row("one paper", "embosserctl paper Legal Leg", "");
+        row("papers in a call", "embosserctl call getWidth Leg", "Legal\n");
+        row("an enumeration in a call", "embosserctl call getValueList Baud", "BaudRate\n");
+        row("settings in a call", "embosserctl call getMaxValue KeepF", "KeepFormat\n");
+        row("the value in a call", "embosserctl call setHammerImpact H", "Hard\n");
         row("files", "embosserctl restore conf", "config one.json\n");
         row("files or the service", "embosserctl diff li", "live\n");
     }
@@ -143,14 +179,52 @@ private Q_SLOTS:
     {
         QFETCH(QString, words);
         QFETCH(QByteArray, completions);
-        const Outcome outcome =
-            m_shell.run(QStringLiteral("touch 'config one.json'; source '%1'; COMP_WORDS=(%2); "
-                                       "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _embosserctl; "
-                                       "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply\"; done")
-                            .arg(bashFile, words),
-                        QStringLiteral("bash"));
+        const Outcome outcome = bashCompletions(words);
         QCOMPARE(outcome.errors, QByteArray());
         QCOMPARE(outcome.output, completions);
+    }
+
+    void completesNothingWithoutTheService()
+    {
+        const QString words = QStringLiteral("embosserctl set HammerImpact H");
+        const Outcome outcome = bashCompletions(
+            words, QStringLiteral("export DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere"));
+        QCOMPARE(outcome.errors, QByteArray());
+        QCOMPARE(outcome.output, QByteArray());
+    }
+
+    void bashCompletesOnATerminal_data()
+    {
+        QTest::addColumn<QByteArray>("typed");
+        QTest::addColumn<QByteArray>("completed");
+        QTest::newRow("values") << QByteArray("embosserctl set HammerImpact H\t")
+                                << QByteArray("<embosserctl set HammerImpact Hard >");
+        QTest::newRow("values after =") << QByteArray("embosserctl set HammerImpact=H\t")
+                                        << QByteArray("<embosserctl set HammerImpact=Hard >");
+        QTest::newRow("another setting")
+            << QByteArray("embosserctl set HammerImpact=Hard FormatOrient\t")
+            << QByteArray("<embosserctl set HammerImpact=Hard FormatOrientation=>");
+        QTest::newRow("a space") << QByteArray("embosserctl set StandbyPosition T\t")
+                                 << QByteArray("<embosserctl set StandbyPosition Tear\\ off >");
+        QTest::newRow("a quoted space")
+            << QByteArray("embosserctl set StandbyPosition=\"T\t")
+            << QByteArray("<embosserctl set StandbyPosition=\"Tear off\" >");
+    }
+
+    void bashCompletesOnATerminal()
+    {
+        if (!Terminal::areThere()) {
+            QTest::qSkip("this machine has no pseudo-terminal", __FILE__, __LINE__);
+            return;
+        }
+        QFETCH(QByteArray, typed);
+        QFETCH(QByteArray, completed);
+        Terminal terminal(QStringLiteral("bash"), {QStringLiteral("--noprofile"),
+                                                   QStringLiteral("--norc"), QStringLiteral("-i")});
+        complete(&terminal,
+                 "PATH='" + m_patient.path().toUtf8() + "':$PATH; source '" + bashFile.toUtf8() +
+                     R"('; bind -x '"\C-g": echo "<$READLINE_LINE>"')",
+                 typed, completed);
     }
 
     void zshCompletes_data()
@@ -184,6 +258,30 @@ private Q_SLOTS:
             << QByteArray("<embosserctl diff live config\\ one.json >");
         QTest::newRow("value lists") << QByteArray("embosserctl values Baud\t")
                                      << QByteArray("<embosserctl values BaudRate >");
+        QTest::newRow("values") << QByteArray("embosserctl set HammerImpact H\t")
+                                << QByteArray("<embosserctl set HammerImpact Hard >");
+        QTest::newRow("values after =") << QByteArray("embosserctl set HammerImpact=H\t")
+                                        << QByteArray("<embosserctl set HammerImpact=Hard >");
+        QTest::newRow("another setting")
+            << QByteArray("embosserctl set HammerImpact=Hard PrintSp\t")
+            << QByteArray("<embosserctl set HammerImpact=Hard PrintSpeed=>");
+        QTest::newRow("values of another setting")
+            << QByteArray("embosserctl -c one set HammerImpact=Hard StandbyPosition=T\t")
+            << QByteArray("<embosserctl -c one set HammerImpact=Hard StandbyPosition=Tear\\ off >");
+        QTest::newRow("truth") << QByteArray("embosserctl set SpeakCustomPaper y\t")
+                               << QByteArray("<embosserctl set SpeakCustomPaper yes >");
+        QTest::newRow("nothing from another bus")
+            << QByteArray("embosserctl --host x set HammerImpact H\t")
+            << QByteArray("<embosserctl --host x set HammerImpact H>");
+        QTest::newRow("nothing from another bus, in short")
+            << QByteArray("embosserctl -H x set HammerImpact H\t")
+            << QByteArray("<embosserctl -H x set HammerImpact H>");
+        QTest::newRow("papers") << QByteArray("embosserctl paper Leg\t")
+                                << QByteArray("<embosserctl paper Legal >");
+        QTest::newRow("papers in a call") << QByteArray("embosserctl call getWidth Leg\t")
+                                          << QByteArray("<embosserctl call getWidth Legal >");
+        QTest::newRow("exceptions") << QByteArray("embosserctl restore --except=HammerI\t")
+                                    << QByteArray("<embosserctl restore --except=HammerImpact >");
         QTest::newRow("simulator's options") << QByteArray("embosser-simulator --li\t")
                                              << QByteArray("<embosser-simulator --list-models >");
         QTest::newRow("models") << QByteArray("embosser-simulator --model Tolvek_\t")
@@ -207,18 +305,42 @@ private Q_SLOTS:
         QFile file(directory.filePath(QStringLiteral("config one.json")));
         QVERIFY(file.open(QFile::WriteOnly));
         Terminal terminal(QStringLiteral("zsh"), {QStringLiteral("-f"), QStringLiteral("-i")});
-        terminal.type("cd '" + directory.path().toUtf8() + "'; fpath=('" + zshDirectory.toUtf8() +
-                      "' '" + simulatorDirectory.toUtf8() +
-                      "/zsh' $fpath); autoload -U compinit; "
-                      "compinit -u -D; PS1=; show() { print -r -- \"<$BUFFER>\" }; zle -N show; "
-                      "bindkey '^X' show; print re''ady\n");
-        QVERIFY(terminal.shows("ready"));
-        terminal.type(typed + "\x18");
-        QVERIFY(terminal.shows(completed));
+        complete(&terminal,
+                 "cd '" + directory.path().toUtf8() + "'; path=('" + m_patient.path().toUtf8() +
+                     "' $path)" + "; fpath=('" + zshDirectory.toUtf8() + "' '" +
+                     simulatorDirectory.toUtf8() +
+                     "/zsh' $fpath); autoload -U compinit; compinit -u -D; PS1=; "
+                     "show() { print -r -- \"<$BUFFER>\" }; zle -N show; bindkey '^G' show",
+                 typed, completed);
     }
 
 private:
+    Outcome bashCompletions(const QString &words, const QString &preparation = QStringLiteral(":"))
+    {
+        return m_shell.run(
+            QStringLiteral("%1; PATH='%2':$PATH; touch 'config one.json'; source '%3'; "
+                           "COMP_WORDS=(%4); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _embosserctl; "
+                           "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply\"; done")
+                .arg(preparation, m_patient.path(), bashFile, words),
+            QStringLiteral("bash"));
+    }
+
+    /// Types into a shell that is ready to show its line when Ctrl-G is pressed, and waits for it.
+    static void complete(Terminal *terminal, const QByteArray &preparation, const QByteArray &typed,
+                         const QByteArray &completed)
+    {
+        terminal->type(preparation + "; echo re''ady\n");
+        QVERIFY(terminal->shows("ready\r\n"));
+        terminal->type(typed + '\a');
+        QVERIFY2(terminal->shows(completed), completed.constData());
+    }
+
     Shell m_shell;
+    QTemporaryDir m_patient;
+    PrivateBus m_bus;
+    ChildProcess m_simulator{
+        QStringLiteral(SIMULATOR),
+        {QStringLiteral("--profile"), QStringLiteral(GOLDEN_DIRECTORY "/embosser.json")}};
 };
 
 QTEST_GUILESS_MAIN(TestToolDocumentation)

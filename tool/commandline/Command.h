@@ -41,6 +41,7 @@ struct Option
     bool isRepeatable = false;
     /// A letter that stands for the name after a single dash, if it is not null.
     QChar shortName = {};
+    Completion completion = Completion::None;
 };
 
 /// What a command is given.
@@ -82,6 +83,9 @@ struct Command
     /// Paragraphs.
     QStringList description;
     ExitStatus (*run)(const Request &request) = nullptr;
+    /// What the service has for the last one of the arguments, of which as much is given as stands
+    /// before the value: nothing, or "NAME=". Null if the service has nothing for any.
+    QStringList (*candidates)(const Request &request) = nullptr;
 
     /// How many of the arguments, from the first one, are names: completed, and never empty.
     int maxNames() const { return namesFirstOnly ? 1 : maxArguments; }

@@ -24,6 +24,7 @@ const QString timeoutOption = QStringLiteral("timeout");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
 const QString generateOption = QStringLiteral("generate");
+const QString completeOption = QStringLiteral("complete");
 
 [[noreturn]] void throwUsage(const QString &message)
 {
@@ -83,10 +84,11 @@ QString addressOfHost(const QString &host)
         .arg(escaped);
 }
 
-/// What the build needs, and no user.
+/// What the build and the completions need, and no user.
 const QVector<Option> &hiddenOptions()
 {
-    static const QVector<Option> options{{generateOption, QStringLiteral("KIND"), {}}};
+    static const QVector<Option> options{{generateOption, QStringLiteral("KIND"), {}},
+                                         {completeOption, {}, {}}};
     return options;
 }
 
@@ -153,7 +155,8 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
     line.options = given.options;
     line.arguments = given.positional;
 
-    const bool runsNothing = line.help || line.version || !line.generate.isEmpty();
+    line.complete = given.options.contains(completeOption);
+    const bool runsNothing = line.help || line.version || line.complete || !line.generate.isEmpty();
     if (line.arguments.isEmpty() && runsNothing)
         return line;
     if (line.arguments.isEmpty())

@@ -26,6 +26,8 @@ struct CommandLine
     bool version = false;
     /// The documentation to print instead of running a command.
     QString generate;
+    /// Whether to print what completes the last argument instead of running the command.
+    bool complete = false;
     /// Null only if one of the above is asked for.
     const Command *command = nullptr;
     QStringList arguments;

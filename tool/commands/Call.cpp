@@ -2,6 +2,7 @@
 
 #include "commands/Commands.h"
 
+#include "library/Choices.h"
 #include "library/Lookup.h"
 #include "library/Secret.h"
 #include "library/Session.h"
@@ -74,6 +75,22 @@ ExitStatus runCall(const Request &request)
     return ExitStatus::Done;
 }
 
+QStringList candidatesForCall(const Request &request)
+{
+    const int position = request.arguments.size() - 2;
+    Session session(request.session);
+    session.requireConnection();
+    QStringList texts;
+    for (const Operation *operation :
+         operationsCalled(request.catalogue, request.arguments.first())) {
+        if (position >= 0 && position < operation->parameters.size())
+            texts +=
+                textsOf(*operation, operation->parameters[position], request.catalogue, session);
+    }
+    texts.removeDuplicates();
+    return texts;
+}
+
 } // namespace
 
 Command callCommand()
@@ -94,6 +111,7 @@ Command callCommand()
                        "status is 1. This does not apply to queries (get, is, has)."),
     };
     command.run = runCall;
+    command.candidates = candidatesForCall;
     return command;
 }
 

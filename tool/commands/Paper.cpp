@@ -3,6 +3,7 @@
 #include "commands/Commands.h"
 
 #include "common/JsonText.h"
+#include "library/Choices.h"
 #include "library/Lookup.h"
 #include "library/Session.h"
 #include "library/Value.h"
@@ -61,6 +62,15 @@ ExitStatus runPaper(const Request &request)
     return ExitStatus::Done;
 }
 
+QStringList candidatesForPaper(const Request &request)
+{
+    if (request.arguments.size() > 1)
+        return {};
+    Session session(request.session);
+    session.requireConnection();
+    return papers(request.catalogue, session);
+}
+
 } // namespace
 
 Command paperCommand()
@@ -77,6 +87,7 @@ Command paperCommand()
             "setting PaperSize). 'embosserctl values Papers' lists the papers."),
     };
     command.run = runPaper;
+    command.candidates = candidatesForPaper;
     return command;
 }
 

@@ -206,8 +206,12 @@ Command restoreCommand()
     command.maxArguments = 1;
     command.completion = Completion::File;
     command.options = {
-        {exceptOption, QStringLiteral("NAME"), QStringLiteral("leave this setting unchanged"),
-         true},
+        {exceptOption,
+         QStringLiteral("NAME"),
+         QStringLiteral("leave this setting unchanged"),
+         true,
+         {},
+         Completion::WritableSetting},
         {dryRunOption, {}, QStringLiteral("only show what would be written")},
         {forceOption, {}, QStringLiteral("also for an embosser of another type")},
         {identityOption, {}, QStringLiteral("also restore what tells one device from another")}};

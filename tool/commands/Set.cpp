@@ -120,6 +120,30 @@ ExitStatus runSet(const Request &request)
     return ExitStatus::Done;
 }
 
+/// What stands for the value of the setting, from the service.
+QStringList valuesOf(const QString &name, const Request &request)
+{
+    const Setting &setting = writableSetting(request.catalogue, name);
+    Session session(request.session);
+    session.requireConnection();
+    return textsOf(setting, request.catalogue, session);
+}
+
+QStringList candidatesForSet(const Request &request)
+{
+    const QString &first = request.arguments.first();
+    const QString &last = request.arguments.last();
+    const QLatin1Char equals('=');
+    if (!first.contains(equals))
+        return request.arguments.size() == 2 ? valuesOf(first, request) : QStringList();
+    if (last.contains(equals))
+        return valuesOf(last.left(last.indexOf(equals)), request);
+    QStringList names;
+    for (const QString &name : request.catalogue.writableSettings())
+        names.append(name + equals);
+    return names;
+}
+
 } // namespace
 
 Command setCommand()
@@ -149,6 +173,7 @@ Command setCommand()
                        "'embosserctl set Passphrase \"\"' clears it."),
     };
     command.run = runSet;
+    command.candidates = candidatesForSet;
     return command;
 }
 

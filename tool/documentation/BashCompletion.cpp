@@ -20,10 +20,30 @@ QString optionsWithValue(const QVector<Command> &commands)
 {
     QStringList names;
     for (const Option &option : allOptions(commands)) {
-        if (!option.valueName.isEmpty())
-            names.append(QStringLiteral("--") + option.name);
+        if (option.valueName.isEmpty())
+            continue;
+        names.append(QStringLiteral("--") + option.name);
+        if (!option.shortName.isNull())
+            names.append(QStringLiteral("-") + option.shortName);
     }
     return names.join(QStringLiteral(" | "));
+}
+
+/// The branches of the options whose values are known.
+QString optionBranches(const QVector<Command> &commands, const Catalogue &catalogue)
+{
+    QString text;
+    for (const Option &option : allOptions(commands)) {
+        const QStringList words = candidates(option.completion, catalogue);
+        if (words.isEmpty())
+            continue;
+        text += QStringLiteral("    --%1)\n"
+                               "        mapfile -t COMPREPLY < <(compgen -W '%2' -- \"$current\")\n"
+                               "        return\n"
+                               "        ;;\n")
+                    .arg(option.name, words.join(QLatin1Char(' ')));
+    }
+    return text;
 }
 
 bool takesFiles(Completion completion)
@@ -42,6 +62,8 @@ QString bashBranch(const Command &command, const Catalogue &catalogue)
         text += QStringLiteral("        words='%1'\n").arg(words.join(QLatin1Char(' ')));
     if (takesFiles(command.completion))
         text += QStringLiteral("        files=yes\n");
+    if (command.candidates)
+        text += QStringLiteral("        service=yes\n");
     if (command.maxNames() != Command::AnyNumber)
         text += QStringLiteral("        limit=%1\n").arg(command.maxNames());
     return text + QStringLiteral("        ;;\n");
@@ -57,25 +79,51 @@ QString bashCompletion(const QVector<Command> &commands, const Catalogue &catalo
         names.append(command.name);
         branches += bashBranch(command, catalogue);
     }
-    return QStringLiteral(R"(# bash completion for embosserctl
+    return QStringLiteral(R"SCRIPT(# bash completion for embosserctl
+
+# What the service has for an argument; nothing if it is not there.
+_embosserctl_ask() {
+    local candidate
+    while IFS= read -r candidate; do
+        case $current in
+        [\"\']*) [[ $candidate != "${current:1}"* ]] || COMPREPLY+=("$candidate") ;;
+        *)
+            [[ $candidate != "${current//\\/}"* ]] || COMPREPLY+=("$(printf %q "$candidate")")
+            ;;
+        esac
+    done < <("${COMP_WORDS[0]}" --timeout 1 --complete -- "$@" 2>/dev/null)
+    [[ ${COMPREPLY[0]} != *= ]] || compopt -o nospace 2>/dev/null
+}
 
 _embosserctl() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local options='%1'
-    local words='' files='' limit=1000 command='' given=0 i
+    local words='' files='' service='' limit=1000 command='' i
+    local assigned='' positional='' elsewhere=''
+    local -a given=()
     COMPREPLY=()
     # bash takes an argument apart at = and : by default.
+    if [[ $current == = ]]; then
+        current='' assigned=yes
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]} assigned=yes
+    fi
     case $previous in
-    %4 | [=:]*) return ;;
+%5    %4 | :*) return ;;
     esac
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
-        %4) [[ ${COMP_WORDS[i + 1]} == = ]] || ((i++)) ;;
-        [=:]*) ((i++)) ;;
-        -*) ;;
+        # The service of another bus is not asked.
+        --address | --host | -H) elsewhere=yes ;;&
+        %4) [[ ${COMP_WORDS[i + 1]} == = ]] || ((i++)) ;;&
+        [=:]*)
+            [[ ! $positional ]] || given[-1]+=${COMP_WORDS[i]}${COMP_WORDS[i + 1]}
+            ((i++))
+            ;;
+        -*) positional='' ;;
         *)
             if [[ $command ]]; then
-                ((++given))
+                given+=("${COMP_WORDS[i]}") positional=yes
             else
                 command=${COMP_WORDS[i]}
             fi
@@ -87,9 +135,18 @@ _embosserctl() {
         words='%2'
         ;;
 %3    esac
+    [[ ! $elsewhere ]] || service=''
+    if [[ $assigned ]]; then
+        [[ ! $service || ! $positional ]] ||
+            _embosserctl_ask "$command" "${given[@]::${#given[@]} - 1}" "${given[-1]%%=*}="
+        return
+    fi
     if [[ $current == -* ]]; then
         words=$options files=
-    elif ((given >= limit)); then
+    elif [[ $service ]] && { [[ ! $words ]] || ((${#given[@]} >= limit)); }; then
+        _embosserctl_ask "$command" "${given[@]}" ''
+        return
+    elif ((${#given[@]} >= limit)); then
         return
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
@@ -102,9 +159,9 @@ _embosserctl() {
     fi
 }
 complete -F _embosserctl embosserctl
-)")
+)SCRIPT")
         .arg(optionNames(commonOptions()), names.join(QLatin1Char(' ')), branches,
-             optionsWithValue(commands));
+             optionsWithValue(commands), optionBranches(commands, catalogue));
 }
 
 } // namespace tool

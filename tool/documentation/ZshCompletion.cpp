@@ -15,17 +15,6 @@ QString quoted(QString text)
     return text;
 }
 
-QString optionSpecification(const Option &option)
-{
-    const QString name =
-        (option.isRepeatable ? QStringLiteral("*--") : QStringLiteral("--")) + option.name;
-    const QString description = quoted(option.description);
-    // With "=", the value may be the next argument all the same.
-    return option.valueName.isEmpty()
-               ? QStringLiteral("    '%1[%2]'").arg(name, description)
-               : QStringLiteral("    '%1=[%2]:%3:'").arg(name, description, option.valueName);
-}
-
 /// What completes one argument, as the action of _arguments.
 QString action(Completion completion, const Catalogue &catalogue)
 {
@@ -42,11 +31,28 @@ QString action(Completion completion, const Catalogue &catalogue)
     }
 }
 
-QStringList optionSpecifications(const QVector<Option> &options)
+QStringList optionSpecifications(const QVector<Option> &options, const Catalogue &catalogue)
 {
     QStringList specifications;
-    for (const Option &option : options)
-        specifications.append(optionSpecification(option));
+    for (const Option &option : options) {
+        QString text = QStringLiteral("[%1]").arg(quoted(option.description));
+        if (!option.valueName.isEmpty()) {
+            text += QStringLiteral(":%1:%2").arg(option.valueName,
+                                                 action(option.completion, catalogue));
+        }
+        QString before = option.isRepeatable ? QStringLiteral("*") : QString();
+        if (!option.shortName.isNull())
+            before = QStringLiteral("(-%1 --%2)").arg(option.shortName).arg(option.name);
+        // A value may be the next argument, or stand after "=" or the letter.
+        const auto add = [&](const QString &name, const QString &mark) {
+            specifications.append(
+                QStringLiteral("    '%1%2%3%4'")
+                    .arg(before, name, option.valueName.isEmpty() ? QString() : mark, text));
+        };
+        if (!option.shortName.isNull())
+            add(QStringLiteral("-") + option.shortName, QStringLiteral("+"));
+        add(QStringLiteral("--") + option.name, QStringLiteral("="));
+    }
     return specifications;
 }
 
@@ -56,14 +62,28 @@ QString callOfArguments(const QStringList &specifications)
         .arg(specifications.join(QStringLiteral(" \\\n")));
 }
 
+/// The specification of an argument at a position, or at all others.
+QString argument(const QString &position, const Command &command, const QString &action)
+{
+    return QStringLiteral("    \"%1:%2:%3\"").arg(position, quoted(command.arguments), action);
+}
+
 QString zshBranch(const Command &command, const Catalogue &catalogue)
 {
-    QStringList specifications = optionSpecifications(command.options + commonOptions());
-    if (!command.arguments.isEmpty()) {
+    QStringList specifications = optionSpecifications(command.options + commonOptions(), catalogue);
+    const QStringList words = candidates(command.completion, catalogue);
+    if (command.candidates && !words.isEmpty()) {
         specifications.append(
-            QStringLiteral("    \"%1:%2:%3\"")
-                .arg(command.maxNames() == 1 ? QStringLiteral("1") : QStringLiteral("*"),
-                     quoted(command.arguments), action(command.completion, catalogue)));
+            argument(QStringLiteral("1"), command,
+                     QStringLiteral(" _embosserctl_name %1").arg(words.join(QLatin1Char(' ')))));
+    }
+    if (command.candidates) {
+        specifications.append(
+            argument(QStringLiteral("*"), command, QStringLiteral(" _embosserctl_ask")));
+    } else if (!command.arguments.isEmpty()) {
+        specifications.append(
+            argument(command.maxNames() == 1 ? QStringLiteral("1") : QStringLiteral("*"), command,
+                     action(command.completion, catalogue)));
     }
     return QStringLiteral("%1)\n  %2  ;;\n").arg(command.name, callOfArguments(specifications));
 }
@@ -78,10 +98,32 @@ QString zshCompletion(const QVector<Command> &commands, const Catalogue &catalog
         descriptions += QStringLiteral("  '%1:%2'\n").arg(command.name, quoted(command.summary));
         branches += zshBranch(command, catalogue);
     }
-    const QStringList specifications = optionSpecifications(commonOptions()) +
+    const QStringList specifications = optionSpecifications(commonOptions(), catalogue) +
                                        QStringList{QStringLiteral("    '1:command:->command'"),
                                                    QStringLiteral("    '*::argument:->argument'")};
-    return QStringLiteral(R"(#compdef embosserctl
+    return QStringLiteral(R"SCRIPT(#compdef embosserctl
+
+# What the service has for an argument; nothing if it is not there, or on another bus.
+_embosserctl_ask() {
+  [[ -z $elsewhere ]] || return 1
+  local -a candidates
+  local assigned=''
+  [[ $PREFIX != *=* ]] || assigned=${PREFIX%%=*}=
+  candidates=(${(f)"$(_call_program values $service --timeout 1 --complete -- \
+    ${(q)command} ${(q)line[1,-2]} ${(qq)assigned} 2>/dev/null)"})
+  compset -P 1 '*='
+  compadd -S '' -- ${(M)candidates:#*=}
+  compadd -- ${candidates:#*=}
+}
+
+# One of these names, or what is assigned to one.
+_embosserctl_name() {
+  if [[ $PREFIX == *=* ]]; then
+    _embosserctl_ask
+  else
+    compadd -- $@
+  fi
+}
 
 local context state state_descr line
 typeset -A opt_args
@@ -99,9 +141,10 @@ argument) ;;
 *) return ;;
 esac
 
-case $words[1] in
+local command=$words[1] elsewhere=$opt_args[-H]$opt_args[--host]$opt_args[--address]
+case $command in
 %3esac
-)")
+)SCRIPT")
         .arg(descriptions, callOfArguments(specifications), branches);
 }
 

@@ -3,6 +3,7 @@
 #include "library/Choices.h"
 
 #include "library/Lookup.h"
+#include "library/NameSource.h"
 #include "library/Value.h"
 
 #include <QtCore/QJsonArray>
@@ -21,14 +22,18 @@ std::optional<int> boundOf(const Reply &reply)
 
 } // namespace
 
+QStringList Choices::keys() const
+{
+    QStringList keys = values.keys();
+    std::stable_sort(keys.begin(), keys.end(),
+                     [&](const QString &a, const QString &b) { return values[a] < values[b]; });
+    return keys;
+}
+
 QString Choices::text() const
 {
-    if (!values.isEmpty()) {
-        QStringList keys = values.keys();
-        std::stable_sort(keys.begin(), keys.end(),
-                         [&](const QString &a, const QString &b) { return values[a] < values[b]; });
-        return keys.join(QStringLiteral(", "));
-    }
+    if (!values.isEmpty())
+        return keys().join(QStringLiteral(", "));
     if (minimum && maximum)
         return QStringLiteral("%1 to %2 %3").arg(*minimum).arg(*maximum).arg(unit).trimmed();
     return unit;
@@ -90,6 +95,36 @@ Choices ChoicesQuestion::answer()
             choices.values.insert(key.toString(), value.toInt());
     }
     return choices;
+}
+
+QStringList textsOf(const Setting &setting, const Catalogue &catalogue, Session &session)
+{
+    if (setting.isSecret)
+        return {};
+    if (setting.valueType().name == QLatin1String("bool"))
+        return {QStringLiteral("yes"), QStringLiteral("no")};
+    return ChoicesQuestion(setting, catalogue, session).answer().keys();
+}
+
+QStringList textsOf(const Operation &operation, const Parameter &parameter,
+                    const Catalogue &catalogue, Session &session)
+{
+    const Setting *const setting = catalogue.setting(operation.setting);
+    if (parameter.role == contract::Role::Value && setting)
+        return textsOf(*setting, catalogue, session);
+    if (parameter.role == contract::Role::Setting)
+        return catalogue.settingNames();
+    if (parameter.role == contract::Role::Paper)
+        return papers(catalogue, session);
+    if (parameter.type.name == QLatin1String("bool"))
+        return {QStringLiteral("yes"), QStringLiteral("no")};
+    return parameter.type.enumeration.keys();
+}
+
+QStringList papers(const Catalogue &catalogue, Session &session)
+{
+    const QString name = NameSource::papers().settings.first();
+    return textsOf(readableSetting(catalogue, name), catalogue, session);
 }
 
 QJsonObject toJson(const Choices &choices)

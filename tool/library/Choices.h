@@ -26,6 +26,9 @@ struct Choices
     /// What it is until somebody sets it; undefined if the service does not tell.
     QJsonValue initial = QJsonValue::Undefined;
 
+    /// The keys, in the order of their numbers.
+    QStringList keys() const;
+
     /// "Soft, Hard", "0 to 10 mm", "mm" or nothing.
     QString text() const;
 };
@@ -55,6 +58,16 @@ private:
     std::optional<Session::Call> m_list;
     Session::Call m_metadata;
 };
+
+/// The texts that stand for the values of a setting, if these are few and no secret.
+QStringList textsOf(const Setting &setting, const Catalogue &catalogue, Session &session);
+
+/// The texts that stand for the argument, as far as its type, its role or the service tells.
+QStringList textsOf(const Operation &operation, const Parameter &parameter,
+                    const Catalogue &catalogue, Session &session);
+
+/// The names of papers.
+QStringList papers(const Catalogue &catalogue, Session &session);
 
 } // namespace tool
 
