@@ -55,8 +55,9 @@ void CallQueue::put(const Call &call)
     }
     m_proxy->setTimeout(call->timeout);
     call->send(m_proxy->asyncCallWithArgumentList(call->method, call->arguments));
-    // Without a bus: Qt tells nobody of such an answer.
+    // Without a bus, when Qt tells nobody of the answer; or on a machine that has other work.
     if (call->isAnswered()) {
+        finishAnsweredBefore(call);
         call->finishWithAnswer();
         return;
     }
@@ -98,16 +99,21 @@ void CallQueue::fill()
         put(m_waiting.takeFirst());
 }
 
-void CallQueue::settle(PendingCallPrivate *call)
+/// Those whose answers wait for the event loop call back before a later one.
+void CallQueue::finishAnsweredBefore(const Call &call)
 {
-    const Call last(call);
-    // Those before it whose answers wait for the event loop call back before it.
-    for (int i = 0; i < m_onBus.size() && m_onBus.at(i) != last;) {
+    for (int i = 0; i < m_onBus.size() && m_onBus.at(i) != call;) {
         if (m_onBus.at(i)->isAnswered())
             m_onBus.takeAt(i)->finishWithAnswer();
         else
             ++i;
     }
+}
+
+void CallQueue::settle(PendingCallPrivate *call)
+{
+    const Call last(call);
+    finishAnsweredBefore(last);
     m_onBus.removeOne(last);
     call->finishWithAnswer();
     fill();

@@ -52,6 +52,7 @@ private:
 
     bool isServiceAbsent() const;
     void put(const Call &call);
+    void finishAnsweredBefore(const Call &call);
     void fill();
     bool hasRoom();
     void watchFromEventLoop();
