@@ -4,6 +4,8 @@
 #include "RecordingService.h"
 #include "Terminal.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTemporaryFile>
 #include <QtTest/QTest>
 
@@ -458,6 +460,26 @@ private Q_SLOTS:
                  shown.constData());
         QCOMPARE(terminal.exitStatus(), QProcess::CrashExit); // by the signal, as a shell expects
         QCOMPARE(terminal.exitCode(), signal);
+    }
+
+    void keepsAnEditedTextWhenTheServiceHasLeft()
+    {
+        const QTemporaryDir directory;
+        const Variable temporary("TMPDIR", directory.path().toUtf8());
+        const Variable editor("EDITOR", "echo editing; read key; sed -i 's/2500/1600/'");
+        Terminal terminal({QStringLiteral("edit"), QStringLiteral("DraftSpeed")});
+        QVERIFY(terminal.shows("editing\r\n"));
+        m_service.kill();
+        terminal.type("\n");
+        const QByteArray shown = terminal.shownAtEnd();
+        QCOMPARE(terminal.exitCode(), 3);
+        const QFileInfoList files = QDir(directory.path()).entryInfoList(QDir::Files);
+        QCOMPARE(files.size(), 1);
+        QVERIFY2(shown.contains("the edited text is in " + files[0].filePath().toUtf8() + "\r\n"),
+                 shown.constData());
+        QFile file(files[0].filePath());
+        QVERIFY(file.open(QFile::ReadOnly));
+        QVERIFY(file.readAll().endsWith("\nDraftSpeed = 1600\n"));
     }
 
     void keepsAPipePlain()

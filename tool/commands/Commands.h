@@ -15,6 +15,7 @@ Command describeCommand();
 Command getCommand();
 Command setCommand();
 Command resetCommand();
+Command editCommand();
 Command settingsCommand();
 Command callCommand();
 Command valuesCommand();
@@ -32,11 +33,10 @@ Command waitCommand();
 /// All subcommands, in the order in which they are listed.
 inline QVector<Command> allCommands()
 {
-    return {statusCommand(),  listCommand(),    describeCommand(), getCommand(),
-            setCommand(),     resetCommand(),   settingsCommand(), callCommand(),
-            valuesCommand(),  paperCommand(),   reportCommand(),   dumpCommand(),
-            diffCommand(),    restoreCommand(), captureCommand(),  verifyCommand(),
-            monitorCommand(), watchCommand(),   waitCommand()};
+    return {statusCommand(),  listCommand(),   describeCommand(), getCommand(),   setCommand(),
+            resetCommand(),   editCommand(),   settingsCommand(), callCommand(),  valuesCommand(),
+            paperCommand(),   reportCommand(), dumpCommand(),     diffCommand(),  restoreCommand(),
+            captureCommand(), verifyCommand(), monitorCommand(),  watchCommand(), waitCommand()};
 }
 
 } // namespace tool

@@ -2,9 +2,8 @@
 
 #include "commands/Commands.h"
 
-#include "common/JsonText.h"
 #include "configuration/Configuration.h"
-#include "library/Value.h"
+#include "configuration/Differences.h"
 #include "terminal/Output.h"
 
 #include <QtCore/QJsonObject>
@@ -39,13 +38,6 @@ QStringList settingsOf(const Configuration &first, const Configuration &second)
     return names;
 }
 
-QString textOf(const QJsonValue &value)
-{
-    return value.isUndefined() ? QStringLiteral("(missing)")
-           : value.isNull()    ? QStringLiteral("null")
-                               : toText(value);
-}
-
 ExitStatus runDiff(const Request &request)
 {
     const QStringList sources{request.arguments[0], request.arguments.value(1, live)};
@@ -56,36 +48,31 @@ ExitStatus runDiff(const Request &request)
     const Configuration first = configurationOf(sources[0], request);
     const Configuration second = configurationOf(sources[1], request);
 
-    QJsonObject differences;
-    QVector<QStringList> rows;
+    Differences differences;
     for (const QString &name : settingsOf(first, second)) {
-        const QJsonValue firstValue = first.values.value(name);
-        const QJsonValue secondValue = second.values.value(name);
-        if (firstValue == secondValue)
-            continue;
-        // An undefined value leaves its key out.
-        differences.insert(name, QJsonObject{{QStringLiteral("first"), firstValue},
-                                             {QStringLiteral("second"), secondValue}});
-        rows.append({name, textOf(firstValue), textOf(secondValue)});
+        const QPair<QJsonValue, QJsonValue> values(first.values.value(name),
+                                                   second.values.value(name));
+        if (values.first != values.second)
+            differences.insert(name, values);
     }
 
     if (request.output.isJson()) {
-        QJsonObject document{{QStringLiteral("first"), sources[0]},
-                             {QStringLiteral("second"), sources[1]},
-                             {QStringLiteral("differences"), differences}};
+        QJsonObject document{
+            {QStringLiteral("first"), sources[0]},
+            {QStringLiteral("second"), sources[1]},
+            {QStringLiteral("differences"),
+             toJson(differences, QStringLiteral("first"), QStringLiteral("second"))}};
         if (!first.errors.isEmpty() || !second.errors.isEmpty()) {
             document.insert(QStringLiteral("errors"),
                             QJsonObject{{QStringLiteral("first"), first.errors},
                                         {QStringLiteral("second"), second.errors}});
         }
         request.output.json(document);
-    } else if (rows.isEmpty()) {
-        request.output.note(QStringLiteral("no difference"));
     } else {
-        request.output.table(rows, QStringList{QStringLiteral("Setting")} + sources);
+        print(request.output, differences, sources, QStringLiteral("(missing)"));
     }
     const ExitStatus status = first.status == ExitStatus::Done ? second.status : first.status;
-    const bool isDifference = request.hasOption(exitCodeOption) && !rows.isEmpty();
+    const bool isDifference = request.hasOption(exitCodeOption) && !differences.isEmpty();
     return status == ExitStatus::Done && isDifference ? ExitStatus::Failed : status;
 }
 

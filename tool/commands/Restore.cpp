@@ -132,30 +132,21 @@ void requireSameType(const Configuration &configuration, const Request &request,
 ExitStatus printDifferences(Restoration *restoration, const Configuration &configuration,
                             const Request &request)
 {
-    const auto differences = restoration->differences(configuration, request.catalogue);
-    QJsonObject wouldApply;
-    QVector<QStringList> rows;
+    const Differences differences = restoration->differences(configuration, request.catalogue);
     Outcomes others = restoration->outcomes();
-    for (auto entry = differences.begin(); entry != differences.end(); ++entry) {
-        others.remove(entry.key());
-        const auto &[held, wanted] = *entry;
-        wouldApply.insert(entry.key(), QJsonObject{{QStringLiteral("held"), held},
-                                                   {QStringLiteral("file"), wanted}});
-        rows.append({entry.key(), held.isUndefined() ? QStringLiteral("(unknown)") : toText(held),
-                     toText(wanted)});
-    }
+    for (const QString &name : differences.keys())
+        others.remove(name);
     const QJsonObject notApplied =
         reported(request.output, QStringLiteral("not applied"), others, Outcome::NotApplied);
     if (request.output.isJson()) {
         request.output.json(
-            QJsonObject{{QStringLiteral("wouldApply"), wouldApply},
+            QJsonObject{{QStringLiteral("wouldApply"),
+                         toJson(differences, QStringLiteral("held"), QStringLiteral("file"))},
                         {QStringLiteral("unchanged"), namesIn(others, Outcome::Unchanged).size()},
                         {QStringLiteral("notApplied"), notApplied}});
-    } else if (rows.isEmpty()) {
-        request.output.note(QStringLiteral("no difference"));
     } else {
-        request.output.table(rows, {QStringLiteral("Setting"), QStringLiteral("now"),
-                                    QStringLiteral("in the file")});
+        print(request.output, differences, {QStringLiteral("now"), QStringLiteral("in the file")},
+              QStringLiteral("(unknown)"));
     }
     return notApplied.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -2,7 +2,6 @@
 
 #include "commands/Commands.h"
 
-#include "common/Suggestion.h"
 #include "library/Choices.h"
 #include "library/Lookup.h"
 #include "library/Sequence.h"
@@ -19,27 +18,6 @@ namespace tool {
 namespace {
 
 const QString flagOption = QStringLiteral("flag");
-
-/// The value that a text stands for, which may also be a key of the service's value list.
-QVariant valueFromText(const QString &text, const Setting &setting, const Catalogue &catalogue,
-                       Session *session)
-{
-    try {
-        return argumentFromText(text, setting.valueType());
-    } catch (const Failure &) {
-        const QMap<QString, int> values =
-            ChoicesQuestion(setting, catalogue, *session).answer().values;
-        if (values.isEmpty() || setting.valueType().enumeration.isValid())
-            throw;
-        const auto value = values.find(text);
-        if (value != values.end())
-            return *value;
-        throw Failure(ExitStatus::Usage,
-                      QStringLiteral("'%1' is neither a 32-bit integer nor a key of the value list "
-                                     "%2%3")
-                          .arg(text, setting.name, didYouMean(text, values.keys())));
-    }
-}
 
 /// Throws a Failure for a text that is not the value of the setting, unless the service may know
 /// it.
@@ -71,7 +49,7 @@ ExitStatus setTogether(const Request &request)
         if (sequence.contains(setting->name))
             throw Failure(ExitStatus::Usage,
                           QStringLiteral("%1 is given twice").arg(setting->name));
-        sequence.insert(setting->name, valueFromText(text, *setting, request.catalogue, &session));
+        sequence.insert(setting->name, valueFromText(text, *setting, request.catalogue, session));
     }
     writeTogether(sequence, request.catalogue, &session);
     if (request.output.isJson()) {
@@ -107,7 +85,7 @@ ExitStatus runSet(const Request &request)
     session.requireConnection();
     // Nobody is asked for a secret that could not be written.
     const QString text = isGiven ? request.arguments[1] : readSecret(setting.name);
-    const QVariant value = valueFromText(text, setting, request.catalogue, &session);
+    const QVariant value = valueFromText(text, setting, request.catalogue, session);
     const Reply reply =
         session.call(*setting.setter, flag ? QVariantList{value, true} : QVariantList{value});
     if (reply.error) {

@@ -36,11 +36,10 @@ void Restoration::apply(const Configuration &configuration, const Catalogue &cat
     }
 }
 
-QMap<QString, QPair<QJsonValue, QJsonValue>>
-Restoration::differences(const Configuration &configuration, const Catalogue &catalogue)
+Differences Restoration::differences(const Configuration &configuration, const Catalogue &catalogue)
 {
     setTargets(configuration, catalogue);
-    QMap<QString, QPair<QJsonValue, QJsonValue>> differences;
+    Differences differences;
     for (const QString &name : notHeld())
         differences.insert(name, {m_targets[name].held, m_targets[name].value});
     return differences;

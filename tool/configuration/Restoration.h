@@ -4,6 +4,7 @@
 #define TOOL_CONFIGURATION_RESTORATION_H
 
 #include "configuration/Configuration.h"
+#include "configuration/Differences.h"
 #include "library/Catalogue.h"
 #include "library/Session.h"
 
@@ -47,8 +48,7 @@ public:
     void apply(const Configuration &configuration, const Catalogue &catalogue);
 
     /// Tells what apply() would write, by name: what the service holds, and what it would hold.
-    QMap<QString, QPair<QJsonValue, QJsonValue>> differences(const Configuration &configuration,
-                                                             const Catalogue &catalogue);
+    Differences differences(const Configuration &configuration, const Catalogue &catalogue);
 
     /// What has been seen, also when apply() has ended by an exception.
     const Outcomes &outcomes() const { return m_outcomes; }

@@ -61,6 +61,8 @@ QVector<QStringList> ProgramText::environment()
          QStringLiteral("the pager, less if neither is set; cat or an empty text for none")},
         {QStringLiteral("LESS"),
          QStringLiteral("the options of less; FRX for the pager if it is not set")},
+        {QStringLiteral("VISUAL, EDITOR"),
+         QStringLiteral("the editor, editor or vi if neither is set")},
         {QStringLiteral("NO_COLOR"), QStringLiteral("if not empty, same as --no-color")},
     };
 }

@@ -2,6 +2,8 @@
 
 #include "library/Choices.h"
 
+#include "common/Failure.h"
+#include "common/Suggestion.h"
 #include "library/Lookup.h"
 #include "library/NameSource.h"
 #include "library/Value.h"
@@ -95,6 +97,26 @@ Choices ChoicesQuestion::answer()
             choices.values.insert(key.toString(), value.toInt());
     }
     return choices;
+}
+
+QVariant valueFromText(const QString &text, const Setting &setting, const Catalogue &catalogue,
+                       Session &session)
+{
+    try {
+        return argumentFromText(text, setting.valueType());
+    } catch (const Failure &) {
+        const QMap<QString, int> values =
+            ChoicesQuestion(setting, catalogue, session).answer().values;
+        if (values.isEmpty() || setting.valueType().enumeration.isValid())
+            throw;
+        const auto value = values.find(text);
+        if (value != values.end())
+            return *value;
+        throw Failure(ExitStatus::Usage,
+                      QStringLiteral("'%1' is neither a 32-bit integer nor a key of the value list "
+                                     "%2%3")
+                          .arg(text, setting.name, didYouMean(text, values.keys())));
+    }
 }
 
 QStringList textsOf(const Setting &setting, const Catalogue &catalogue, Session &session)

@@ -59,6 +59,11 @@ private:
     Session::Call m_metadata;
 };
 
+/// The value of the setting that a text stands for, which may also be a key of the service's value
+/// list. Throws a Failure that says what was expected.
+QVariant valueFromText(const QString &text, const Setting &setting, const Catalogue &catalogue,
+                       Session &session);
+
 /// The texts that stand for the values of a setting, if these are few and no secret.
 QStringList textsOf(const Setting &setting, const Catalogue &catalogue, Session &session);
 
