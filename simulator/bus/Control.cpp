@@ -5,6 +5,7 @@
 #include "bus/CallRecord.h"
 #include "bus/Faults.h"
 #include "state/Configuration.h"
+#include "state/Printer.h"
 #include "state/Refusal.h"
 #include "state/ServiceLog.h"
 #include "state/Store.h"
@@ -14,16 +15,28 @@
 namespace simulator {
 
 Control::Control(Faults &faults, const ServiceLog &log, CallRecord &calls,
-                 Configuration &configuration)
+                 Configuration &configuration, Printer &printer)
 {
     new FaultsAdaptor(faults, this);
-    new CallsAdaptor(calls, configuration, this);
+    new CallsAdaptor(calls, configuration, printer, this);
     new LogAdaptor(log, this);
+    new PrinterAdaptor(printer, this);
 }
 
 void Control::refuse(const QString &name, const QString &message)
 {
     sendErrorReply(name, message);
+}
+
+void Control::carryOut(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (const Refusal &refusal) {
+        refuse(refusal.name, refusal.message);
+    } catch (const StoreError &error) {
+        refuse(QDBusError::errorString(QDBusError::Failed), QString::fromUtf8(error.what()));
+    }
 }
 
 FaultsAdaptor::FaultsAdaptor(Faults &faults, Control *control)
@@ -35,27 +48,18 @@ FaultsAdaptor::FaultsAdaptor(Faults &faults, Control *control)
 void FaultsAdaptor::Inject(const QString &kind, const QString &method, uint calls,
                            const QString &detail)
 {
-    inject([&] { m_faults.inject(kind, method, calls, detail); });
+    m_control->carryOut([&] { m_faults.inject(kind, method, calls, detail); });
 }
 
 void FaultsAdaptor::Answer(const QString &method, uint calls, const QDBusVariant &value)
 {
-    inject([&] { m_faults.injectAnswer(method, calls, value.variant()); });
+    m_control->carryOut([&] { m_faults.injectAnswer(method, calls, value.variant()); });
 }
 
 void FaultsAdaptor::Refuse(const QString &method, uint calls, const QString &errorName,
                            const QString &message)
 {
-    inject([&] { m_faults.injectRefusal(method, calls, errorName, message); });
-}
-
-void FaultsAdaptor::inject(const std::function<void()> &injection)
-{
-    try {
-        injection();
-    } catch (const Refusal &refusal) {
-        m_control->refuse(refusal.name, refusal.message);
-    }
+    m_control->carryOut([&] { m_faults.injectRefusal(method, calls, errorName, message); });
 }
 
 void FaultsAdaptor::Clear()
@@ -88,10 +92,12 @@ void FaultsAdaptor::Return()
     Q_EMIT m_control->returnRequested();
 }
 
-CallsAdaptor::CallsAdaptor(CallRecord &calls, Configuration &configuration, Control *control)
+CallsAdaptor::CallsAdaptor(CallRecord &calls, Configuration &configuration, Printer &printer,
+                           Control *control)
     : QDBusAbstractAdaptor(control),
       m_calls(calls),
       m_configuration(configuration),
+      m_printer(printer),
       m_control(control)
 {
 }
@@ -113,12 +119,50 @@ void CallsAdaptor::Clear()
 
 void CallsAdaptor::Reset()
 {
-    try {
+    m_control->carryOut([this] {
         m_configuration.clear();
-    } catch (const StoreError &error) {
-        m_control->refuse(QDBusError::errorString(QDBusError::Failed),
-                          QString::fromUtf8(error.what()));
-    }
+        m_printer.refresh();
+    });
+}
+
+PrinterAdaptor::PrinterAdaptor(Printer &printer, Control *control)
+    : QDBusAbstractAdaptor(control), m_printer(printer), m_control(control)
+{
+    connect(&printer, &Printer::changed, this, &PrinterAdaptor::Changed);
+}
+
+void PrinterAdaptor::Print(uint pages, uint copies, uint milliseconds)
+{
+    m_control->carryOut([&] { m_printer.print(pages, copies, milliseconds); });
+}
+
+uint PrinterAdaptor::Step(uint pages)
+{
+    uint printed = 0;
+    m_control->carryOut([&] { printed = m_printer.step(pages); });
+    return printed;
+}
+
+void PrinterAdaptor::Cancel()
+{
+    m_control->carryOut([&] { m_printer.cancel(); });
+}
+
+void PrinterAdaptor::Interrupt(const QString &condition, uint afterPages)
+{
+    m_control->carryOut([&] { m_printer.interrupt(condition, afterPages); });
+}
+
+void PrinterAdaptor::Resolve()
+{
+    m_control->carryOut([&] { m_printer.resolve(); });
+}
+
+QVariantMap PrinterAdaptor::Job()
+{
+    QVariantMap job;
+    m_control->carryOut([&] { job = m_printer.report(); });
+    return job;
 }
 
 LogAdaptor::LogAdaptor(const ServiceLog &log, Control *control)

@@ -18,6 +18,7 @@ namespace simulator {
 class CallRecord;
 class Configuration;
 class Faults;
+class Printer;
 class ServiceLog;
 
 /// The object on the bus by which a test controls the simulator itself.
@@ -25,7 +26,8 @@ class Control : public QObject, protected QDBusContext
 {
     Q_OBJECT
 public:
-    Control(Faults &faults, const ServiceLog &log, CallRecord &calls, Configuration &configuration);
+    Control(Faults &faults, const ServiceLog &log, CallRecord &calls, Configuration &configuration,
+            Printer &printer);
 
     /// Where it is found, also while the service has left the bus.
     static QString busName() { return QStringLiteral("com.tavelornbraille.Simulator"); }
@@ -33,6 +35,9 @@ public:
 
     /// Answers the call in hand with an error.
     void refuse(const QString &name, const QString &message);
+
+    /// Carries the call in hand out, or answers it with why that cannot be.
+    void carryOut(const std::function<void()> &action);
 
 Q_SIGNALS:
     /// The service is to come back to the bus.
@@ -73,8 +78,6 @@ Q_SIGNALS:
     void Happened(const QString &kind, const QString &method);
 
 private:
-    void inject(const std::function<void()> &injection);
-
     Faults &m_faults;
     Control *const m_control;
 };
@@ -84,7 +87,8 @@ class CallsAdaptor : public QDBusAbstractAdaptor
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.tavelornbraille.Simulator.Calls")
 public:
-    CallsAdaptor(CallRecord &calls, Configuration &configuration, Control *control);
+    CallsAdaptor(CallRecord &calls, Configuration &configuration, Printer &printer,
+                 Control *control);
 
 public Q_SLOTS:
     /// Maps with method, arguments and outcome, one for each of the last 1000 calls of the service,
@@ -94,12 +98,37 @@ public Q_SLOTS:
     /// Forgets the calls.
     void Clear();
 
-    /// Has the model's values again for all settings, and forgets what has been saved.
+    /// Has the model's values again for all settings, and forgets what has been saved and the job.
     void Reset();
 
 private:
     CallRecord &m_calls;
     Configuration &m_configuration;
+    Printer &m_printer;
+    Control *const m_control;
+};
+
+class PrinterAdaptor : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.tavelornbraille.Simulator.Printer")
+public:
+    PrinterAdaptor(Printer &printer, Control *control);
+
+public Q_SLOTS:
+    /// See Printer.
+    void Print(uint pages, uint copies, uint milliseconds);
+    uint Step(uint pages);
+    void Cancel();
+    void Interrupt(const QString &condition, uint afterPages);
+    void Resolve();
+    QVariantMap Job();
+
+Q_SIGNALS:
+    void Changed(const QString &status);
+
+private:
+    Printer &m_printer;
     Control *const m_control;
 };
 

@@ -184,6 +184,7 @@ QDBusMessage Service::answerTo(const QDBusMessage &message)
         const QVariantList arguments = demarshalled(message.arguments());
         const QVariant result = carryOut(Call(method, arguments));
         answer = result.isValid() ? message.createReply(result) : message.createReply();
+        Q_EMIT carriedOut();
     } catch (const Refusal &refusal) {
         answer = message.createErrorReply(refusal.name, refusal.message);
     } catch (const StoreError &error) {

@@ -40,6 +40,9 @@ Q_SIGNALS:
     /// A fault has the service leave the bus, for 0 milliseconds until it is told to return.
     void leaveRequested(int milliseconds);
 
+    /// A call has been carried out, which may have set something.
+    void carriedOut();
+
 private:
     void answerFaultily(const Fault &fault, const QDBusMessage &message,
                         const QDBusConnection &connection);

@@ -5,6 +5,7 @@
 #include "bus/Faults.h"
 #include "model/Profile.h"
 #include "program/Options.h"
+#include "state/Printer.h"
 
 #include <support/ManualPage.h>
 
@@ -65,7 +66,22 @@ QString manualPage(const QList<QCommandLineOption> &options)
          {QStringLiteral("Faults.Return()"), QStringLiteral("ends a drop-name")},
          {QStringLiteral("Calls.Calls(s: METHOD)"),
           QStringLiteral("the last calls of a method, or of all, with arguments and outcome")},
-         {QStringLiteral("Calls.Reset()"), QStringLiteral("has the model's values again")}});
+         {QStringLiteral("Calls.Reset()"), QStringLiteral("has the model's values again")},
+         {QStringLiteral("Printer.Print(uuu: PAGES, COPIES, MILLISECONDS)"),
+          QStringLiteral("prints a job, so long for a page; at 0, by Printer.Step() alone")},
+         {QStringLiteral("Printer.Step(u: PAGES)"),
+          QStringLiteral("prints the next pages at once")},
+         {QStringLiteral("Printer.Interrupt(su: CONDITION, PAGES)"),
+          QStringLiteral("has a condition come after so many more pages; at 0, now")},
+         {QStringLiteral("Printer.Resolve(), Printer.Cancel(), Printer.Job()"),
+          QStringLiteral("ends the condition; ends the job; tells of it")}});
+    page.addParagraphs(
+        {QStringLiteral(
+             "Counters, printed pages and copies, sensors and DocumentStatus follow the job, which "
+             "PrintingPaused holds. The values of DocumentStatus, from 0, are %1. The conditions "
+             "are:")
+             .arg(Printer::statusNames().join(QStringLiteral(", ")))});
+    page.addDefinitions(Printer::conditions());
 
     page.addSection(QStringLiteral("PROFILES"));
     page.addParagraphs(

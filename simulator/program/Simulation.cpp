@@ -15,6 +15,7 @@
 #include "model/Settings.h"
 #include "program/Options.h"
 #include "state/Configuration.h"
+#include "state/Printer.h"
 #include "state/Refusal.h"
 #include "state/ServiceLog.h"
 #include "state/Store.h"
@@ -57,6 +58,7 @@ void runSimulation(const Options &options)
     Configuration configuration(settings, profile, store);
     configuration.takeHeldValues();
     UserSettings userSettings(configuration, store, options.usbDirectory);
+    Printer printer(configuration, store);
     ServiceLog log;
     CallRecord calls(interface);
     Faults faults(interface);
@@ -94,7 +96,8 @@ void runSimulation(const Options &options)
     methods.insert(serviceCommands({configuration, userSettings, log, legacyFile, restart}));
     Service service(interface, configuration, userSettings, log, calls, faults, methods);
     QObject::connect(&service, &Service::leaveRequested, &name, &BusName::leave);
-    Control control(faults, log, calls, configuration);
+    QObject::connect(&service, &Service::carriedOut, &printer, &Printer::refresh);
+    Control control(faults, log, calls, configuration, printer);
     QObject::connect(&control, &Control::returnRequested, &name, &BusName::takeAgain);
     if (!bus.registerVirtualObject(QStringLiteral("/"), &service) ||
         !bus.registerObject(Control::path(), &control))
@@ -107,6 +110,7 @@ void runSimulation(const Options &options)
         if (!reason.isEmpty())
             end(reason);
     }
+    printer.resume();
     // Until here, a signal has the effect that it has on any process.
     const support::TerminationSignals termination;
     std::printf("embosser-simulator: on the bus as %s\n", qPrintable(interface.name()));

@@ -58,6 +58,21 @@ QVariantList mapsIn(const QDBusMessage &answer)
     return maps;
 }
 
+QString nameOf(SimulatedEmbosser::Condition condition)
+{
+    switch (condition) {
+    case SimulatedEmbosser::Condition::OutOfPaper:
+        return QStringLiteral("out-of-paper");
+    case SimulatedEmbosser::Condition::BinFull:
+        return QStringLiteral("bin-full");
+    case SimulatedEmbosser::Condition::CoverOpen:
+        return QStringLiteral("cover-open");
+    case SimulatedEmbosser::Condition::Jam:
+        return QStringLiteral("jam");
+    }
+    return {};
+}
+
 /// Qt hands maps and lists in a variant over as they came.
 QVariant demarshalled(const QVariant &value)
 {
@@ -291,6 +306,54 @@ int SimulatedEmbosser::pendingFaults() const
 void SimulatedEmbosser::clearFaults()
 {
     d->control(QStringLiteral("Faults"), QStringLiteral("Clear"));
+}
+
+void SimulatedEmbosser::print(uint pages, uint copies, std::chrono::milliseconds perPage)
+{
+    d->control(QStringLiteral("Printer"), QStringLiteral("Print"),
+               {pages, copies, uint(perPage.count())});
+}
+
+uint SimulatedEmbosser::printPages(uint pages)
+{
+    return d->control(QStringLiteral("Printer"), QStringLiteral("Step"), {pages})
+        .arguments()
+        .value(0)
+        .toUInt();
+}
+
+void SimulatedEmbosser::interrupt(Condition condition, uint afterPages)
+{
+    d->control(QStringLiteral("Printer"), QStringLiteral("Interrupt"),
+               {nameOf(condition), afterPages});
+}
+
+void SimulatedEmbosser::resolve()
+{
+    d->control(QStringLiteral("Printer"), QStringLiteral("Resolve"));
+}
+
+void SimulatedEmbosser::cancelJob()
+{
+    d->control(QStringLiteral("Printer"), QStringLiteral("Cancel"));
+}
+
+PrintJob SimulatedEmbosser::job() const
+{
+    const QVariantMap job =
+        demarshalled(
+            d->control(QStringLiteral("Printer"), QStringLiteral("Job")).arguments().value(0))
+            .toMap();
+    const auto number = [&job](const char *name) {
+        return job.value(QString::fromLatin1(name)).toInt();
+    };
+    return {job.value(QStringLiteral("status")).toString(),
+            job.value(QStringLiteral("condition")).toString(),
+            number("pages"),
+            number("copies"),
+            number("printedPages"),
+            number("printedCopies"),
+            number("sheetsInBin")};
 }
 
 } // namespace libconfigurationmanager

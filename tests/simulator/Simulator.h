@@ -71,4 +71,10 @@ Ended waitForEnd(QProcess &process);
 
 QString simulatorProgram();
 
+/// The profile of a captured embosser that has told nothing.
+inline const QString nothingCaptured = QStringLiteral(
+    R"({"capture": {}, "answers": {}, "settings": {}, "rows": {}, "papers": {}, "unprintable": {},
+"cells": {}, "lineSpacings": {}, "documents": {}, "layoutParameters": [],
+"temporaryProperties": [], "userSettings": {"names": []}, "recorded": []})");
+
 #endif

@@ -6,15 +6,6 @@
 #include <QtCore/QFileInfo>
 #include <QtTest/QTest>
 
-namespace {
-
-const QString nothingCaptured = QStringLiteral(
-    R"({"capture": {}, "answers": {}, "settings": {}, "rows": {}, "papers": {}, "unprintable": {},
-"cells": {}, "lineSpacings": {}, "documents": {}, "layoutParameters": [],
-"temporaryProperties": [], "userSettings": {"names": []}, "recorded": []})");
-
-} // namespace
-
 class TestProfiles : public QObject
 {
     Q_OBJECT

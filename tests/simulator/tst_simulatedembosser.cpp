@@ -18,6 +18,7 @@
 #include <csignal>
 
 using namespace std::chrono_literals;
+using libconfigurationmanager::PrintJob;
 using libconfigurationmanager::ReceivedCall;
 using libconfigurationmanager::SimulatedEmbosser;
 
@@ -159,6 +160,10 @@ private Q_SLOTS:
     void leavesTheBusForAWhile();
     void ofAllCallsUntilCleared();
     void isResetBetweenTests();
+    void printsJobs();
+    void printsAtAPace();
+    void hasWhatHappensToJobs_data();
+    void hasWhatHappensToJobs();
     void saysWhatCannotBeDone_data();
     void saysWhatCannotBeDone();
     void endsWithTheTest_data();
@@ -311,6 +316,60 @@ void SimulatedEmbosserTest::isResetBetweenTests()
     QVERIFY(m_embosser.calls().isEmpty());
     QCOMPARE(m_embosser.pendingFaults(), 0);
     QCOMPARE(call(QStringLiteral("getTabSize")).arguments(), initial);
+}
+
+void SimulatedEmbosserTest::printsJobs()
+{
+    QCOMPARE(m_embosser.job().status, QStringLiteral("none"));
+    m_embosser.print(3, 2);
+    QCOMPARE(m_embosser.printPages(), 1U);
+    QCOMPARE(m_embosser.printPages(3), 3U);
+    const PrintJob job = m_embosser.job();
+    QCOMPARE(job.status, QStringLiteral("printing"));
+    QCOMPARE(job.condition, QString());
+    QCOMPARE(job.pages, 3);
+    QCOMPARE(job.copies, 2);
+    QCOMPARE(job.printedPages, 4);
+    QCOMPARE(job.printedCopies, 1);
+    QVERIFY(job.sheetsInBin > 0);
+    m_embosser.cancelJob();
+    QCOMPARE(m_embosser.job().status, QStringLiteral("cancelled"));
+    m_embosser.print(3);
+    m_embosser.reset();
+    QCOMPARE(m_embosser.job().status, QStringLiteral("none"));
+}
+
+void SimulatedEmbosserTest::printsAtAPace()
+{
+    m_embosser.print(2, 1, 1ms);
+    QTRY_COMPARE(m_embosser.job().status, QStringLiteral("finished"));
+}
+
+void SimulatedEmbosserTest::hasWhatHappensToJobs_data()
+{
+    QTest::addColumn<int>("condition");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("status");
+    const auto row = [](SimulatedEmbosser::Condition condition, const char *name,
+                        const char *status) {
+        QTest::newRow(name) << int(condition) << name << status;
+    };
+    row(SimulatedEmbosser::Condition::OutOfPaper, "out-of-paper", "held");
+    row(SimulatedEmbosser::Condition::BinFull, "bin-full", "held");
+    row(SimulatedEmbosser::Condition::CoverOpen, "cover-open", "held");
+    row(SimulatedEmbosser::Condition::Jam, "jam", "failed");
+}
+
+void SimulatedEmbosserTest::hasWhatHappensToJobs()
+{
+    QFETCH(const int, condition);
+    m_embosser.print(3);
+    m_embosser.interrupt(SimulatedEmbosser::Condition(condition), 2);
+    QCOMPARE(m_embosser.printPages(3), 2U);
+    QTEST(m_embosser.job().condition, "name");
+    QTEST(m_embosser.job().status, "status");
+    m_embosser.resolve();
+    QCOMPARE(m_embosser.job().condition, QString());
 }
 
 void SimulatedEmbosserTest::saysWhatCannotBeDone_data()

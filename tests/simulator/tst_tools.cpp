@@ -158,6 +158,35 @@ private Q_SLOTS:
                  qPrintable(output));
     }
 
+    void whatTheReadmeSaysCanBeCopied_data()
+    {
+        QTest::addColumn<QString>("line");
+        QFile readme(QStringLiteral(SIMULATOR_README));
+        QVERIFY(readme.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(readme.readAll());
+        const QRegularExpression line(QStringLiteral("^    (busctl .*\\$C.*)$"),
+                                      QRegularExpression::MultilineOption);
+        for (auto l = line.globalMatch(text); l.hasNext();) {
+            const QString command = l.next().captured(1);
+            QTest::newRow(qPrintable(command)) << command;
+        }
+    }
+
+    /// In their order: some need what those before them have done.
+    void whatTheReadmeSaysCanBeCopied()
+    {
+        QFETCH(QString, line);
+        const QString name = Simulator::controlName();
+        const QString shell =
+            QStringLiteral("C='%1 %2 %1'; %3").arg(name, Simulator::controlPath(), line);
+        ChildProcess process(QStringLiteral("sh"), {QStringLiteral("-c"), shell});
+        process.setProcessChannelMode(QProcess::SeparateChannels);
+        process.start();
+        const Ended ended = waitForEnd(process);
+        QCOMPARE(ended.errors, QString());
+        QCOMPARE(ended.exitCode, 0);
+    }
+
 private:
     Ended run(const char *tool, const QStringList &arguments) const
     {

@@ -14,6 +14,18 @@ namespace libconfigurationmanager {
 
 class SimulatedEmbosserPrivate;
 
+/// What is known of the job that an embosser prints, or has printed last.
+struct PrintJob
+{
+    QString status;    ///< none, printing, paused, held, finished, cancelled or failed
+    QString condition; ///< what holds it or has ended it, if anything
+    int pages = 0;     ///< of each copy
+    int copies = 0;
+    int printedPages = 0; ///< of all copies
+    int printedCopies = 0;
+    int sheetsInBin = 0; ///< of this job and of those before it
+};
+
 /// A call that the simulated service has got.
 struct ReceivedCall
 {
@@ -37,6 +49,14 @@ struct ReceivedCall
 class SimulatedEmbosser
 {
 public:
+    /// What can happen to a job; all but a jam hold it.
+    enum class Condition {
+        OutOfPaper,
+        BinFull,
+        CoverOpen,
+        Jam,
+    };
+
     /// As a number of calls: all of them, until the faults are cleared.
     static constexpr uint allCalls = 0;
 
@@ -62,7 +82,7 @@ public:
     /// The address of its bus, for other programs; empty before the first start.
     QString busAddress() const;
 
-    /// Has the model's values again and forgets calls and faults, for the next test.
+    /// Has the model's values again and forgets calls, faults and the job, for the next test.
     void reset();
 
     /// What the application has sent: the last 1000 calls, of one method or of all, the oldest
@@ -97,6 +117,23 @@ public:
     /// How many of these wait for calls that have not come.
     int pendingFaults() const;
     void clearFaults();
+
+    /// Begins a job: so many copies, or, at 0, as many as are set, of a document with so many
+    /// pages.
+    ///
+    /// A page takes so long; at 0, pages are printed by printPages() alone.
+    void print(uint pages, uint copies = 1, std::chrono::milliseconds perPage = {});
+
+    /// Prints the next pages at once, and returns how many: fewer if the job ends or is held.
+    uint printPages(uint pages = 1);
+
+    /// Has something happen to the job after so many more pages, or, at 0, now.
+    void interrupt(Condition condition, uint afterPages = 0);
+
+    /// Ends the condition: the job that it holds goes on.
+    void resolve();
+    void cancelJob();
+    PrintJob job() const;
 
 private:
     std::unique_ptr<SimulatedEmbosserPrivate> d;
