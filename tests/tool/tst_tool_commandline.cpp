@@ -124,8 +124,11 @@ private Q_SLOTS:
             "there is no option '--frobnicate'; a value that begins with a dash stands after '--'");
         row("get --colection=x", "there is no option '--colection'; did you mean '--collection'?");
         row("get -Z", "there is no option '-Z'; a value that begins with a dash stands after '--'");
-        row("get A --json=x", "--json takes no value");
-        row("get A --json=", "--json takes no value");
+        row("get A --quiet=x", "--quiet takes no value");
+        row("get A --quiet=", "--quiet takes no value");
+        row("get A --json=x", "--json takes no value other than 'short'");
+        row("get A --json=", "--json takes no value other than 'short'");
+        row("get A --json --terse", "--terse and --json exclude each other");
         row("get A --collection", "--collection needs a value: --collection ID");
         row("get A --flag", "get has no option '--flag'");
         row("--json", "no command given");
@@ -165,6 +168,8 @@ private Q_SLOTS:
     {
         const CommandLine plain = parseCommandLine(words("embosserctl get A"), commands());
         QVERIFY(!plain.output.json);
+        QVERIFY(!plain.output.terse);
+        QVERIFY(plain.output.pager);
         QVERIFY(!plain.output.quiet);
         QVERIFY(plain.output.color);
         QVERIFY(!plain.session.collection);
@@ -172,8 +177,17 @@ private Q_SLOTS:
             parseCommandLine(words("embosserctl get A -j -q --no-color -c one"), commands());
         QCOMPARE(other.session.collection, std::optional(QStringLiteral("one")));
         QVERIFY(other.output.json);
+        QVERIFY(!other.output.compactJson);
         QVERIFY(other.output.quiet);
         QVERIFY(!other.output.color);
+        QVERIFY(!parseCommandLine(words("embosserctl list -P"), commands()).output.pager);
+        QVERIFY(parseCommandLine(words("embosserctl list -t"), commands()).output.terse);
+        const CommandLine compact =
+            parseCommandLine(words("embosserctl list --json=short -w 7"), commands());
+        QVERIFY(compact.output.json);
+        QVERIFY(compact.output.compactJson);
+        QCOMPARE(compact.session.timeout, std::chrono::milliseconds(7000));
+        QVERIFY(parseCommandLine(words("embosserctl -V"), commands()).version);
     }
 
     void makesTheAddressOfAnotherMachine()

@@ -151,6 +151,9 @@ private Q_SLOTS:
         row("names after an own option", "embosserctl restore --except KeepF", "KeepFormat\n");
         row("names after an own option with =", "embosserctl restore --except = KeepF",
             "KeepFormat\n");
+        row("the form of an option", "embosserctl --json = ''", "short\n");
+        row("nothing for an option with a form", "embosserctl --json stat", "status\n");
+        row("after a form", "embosserctl --json = short stat", "status\n");
         row("after a short option", "embosserctl -c other get PrintSp", "PrintSpeed\n");
         row("values", "embosserctl set HammerImpact ''", "Soft\nNormal\nHard\n");
         row("values of an enumeration", "embosserctl set FormatOrientation La", "Landscape\n");
@@ -197,6 +200,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("typed");
         QTest::addColumn<QByteArray>("completed");
+        QTest::newRow("the form of an option") << QByteArray("embosserctl status --json=s\t")
+                                               << QByteArray("<embosserctl status --json=short >");
         QTest::newRow("values") << QByteArray("embosserctl set HammerImpact H\t")
                                 << QByteArray("<embosserctl set HammerImpact Hard >");
         QTest::newRow("values after =") << QByteArray("embosserctl set HammerImpact=H\t")

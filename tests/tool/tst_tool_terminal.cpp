@@ -336,6 +336,14 @@ private Q_SLOTS:
         QCOMPARE(shown, QByteArray("PrintSpeed  Low\r\nDraftSpeed  2500\r\n"));
     }
 
+    void isTerseOnATerminalAsElsewhere()
+    {
+        Terminal terminal(getTwo() +
+                          QStringList{QStringLiteral("FreeText"), QStringLiteral("--terse")});
+        QCOMPARE(terminal.shownAtEnd(),
+                 QByteArray("PrintSpeed:Low\r\nDraftSpeed:2500\r\nFreeText:\\x1b[2Jgone\r\n"));
+    }
+
     void isNotToldWhatToDoByAValue()
     {
         Terminal terminal({QStringLiteral("get"), QStringLiteral("FreeText")});

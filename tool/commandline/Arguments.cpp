@@ -66,9 +66,18 @@ private:
             add(option, equals < 0 ? next(option, shown) : argument.mid(equals + 1));
             return;
         }
-        if (equals >= 0)
+        QStringList &values = add(option);
+        if (equals < 0)
+            return;
+        const QString value = argument.mid(equals + 1);
+        if (option.form.isEmpty())
             throw Failure(ExitStatus::Usage, QStringLiteral("%1 takes no value").arg(shown));
-        add(option);
+        if (value != option.form) {
+            throw Failure(
+                ExitStatus::Usage,
+                QStringLiteral("%1 takes no value other than '%2'").arg(shown, option.form));
+        }
+        values.append(value);
     }
 
     /// "-n", "-nvalue", several switches in one

@@ -18,7 +18,7 @@ struct Arguments
     QStringList positional;
     /// The options given, in their order.
     QStringList optionNames;
-    /// Their values, by the long name; an empty list for a switch.
+    /// Their values, by the long name; an empty list for a switch without a form.
     QHash<QString, QStringList> options;
 };
 

@@ -20,6 +20,8 @@ QString typed(const Option &option)
     QString name = QStringLiteral("--") + option.name;
     if (!option.shortName.isNull())
         name.prepend(QStringLiteral("-%1, ").arg(option.shortName));
+    if (!option.form.isEmpty())
+        name += QStringLiteral("[=%1]").arg(option.form);
     return option.valueName.isEmpty() ? name : QStringLiteral("%1 %2").arg(name, option.valueName);
 }
 

@@ -42,6 +42,8 @@ struct Option
     /// A letter that stands for the name after a single dash, if it is not null.
     QChar shortName = {};
     Completion completion = Completion::None;
+    /// What a switch may be given after "=", if anything.
+    QString form = {};
 };
 
 /// What a command is given.

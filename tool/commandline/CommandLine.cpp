@@ -15,6 +15,8 @@ namespace {
 
 const QString collectionOption = QStringLiteral("collection");
 const QString jsonOption = QStringLiteral("json");
+const QString shortForm = QStringLiteral("short");
+const QString terseOption = QStringLiteral("terse");
 const QString quietOption = QStringLiteral("quiet");
 const QString noColorOption = QStringLiteral("no-color");
 const QString noPagerOption = QStringLiteral("no-pager");
@@ -100,7 +102,18 @@ const QVector<Option> &commonOptions()
         {collectionOption, QStringLiteral("ID"),
          QStringLiteral("work on this collection instead of masterCollectionKey"), false,
          QLatin1Char('c')},
-        {jsonOption, {}, QStringLiteral("print the result as JSON"), false, QLatin1Char('j')},
+        {jsonOption,
+         {},
+         QStringLiteral("print the result as JSON, the short form of it in one line"),
+         false,
+         QLatin1Char('j'),
+         {},
+         shortForm},
+        {terseOption,
+         {},
+         QStringLiteral("print lines for programs, of fields separated by colons"),
+         false,
+         QLatin1Char('t')},
         {quietOption, {}, QStringLiteral("print only results and errors"), false, QLatin1Char('q')},
         {addressOption, QStringLiteral("ADDRESS"),
          QStringLiteral("use the bus at this address as the system bus")},
@@ -109,15 +122,20 @@ const QVector<Option> &commonOptions()
          QLatin1Char('H')},
         {timeoutOption, QStringLiteral("SECONDS"),
          QStringLiteral("give up when the service has not answered for so long, 5 if not given; 0 "
-                        "for the time-out of the bus")},
+                        "for the time-out of the bus"),
+         false, QLatin1Char('w')},
         {noColorOption, {}, QStringLiteral("do not colour the output")},
-        {noPagerOption, {}, QStringLiteral("do not start a pager for what is long")},
+        {noPagerOption,
+         {},
+         QStringLiteral("do not start a pager for what is long"),
+         false,
+         QLatin1Char('P')},
         {helpOption,
          {},
          QStringLiteral("print this help, or that of the command"),
          false,
          QLatin1Char('h')},
-        {versionOption, {}, QStringLiteral("print the version")},
+        {versionOption, {}, QStringLiteral("print the version"), false, QLatin1Char('V')},
     };
     return options;
 }
@@ -139,6 +157,10 @@ CommandLine parseCommandLine(const QStringList &all, const QVector<Command> &com
     if (given.options.contains(generateOption))
         line.generate = given.options.value(generateOption).last();
     line.output.json = given.options.contains(jsonOption);
+    line.output.compactJson = given.options.value(jsonOption).contains(shortForm);
+    line.output.terse = given.options.contains(terseOption);
+    if (line.output.terse && line.output.json)
+        throwUsage(QStringLiteral("--terse and --json exclude each other"));
     line.output.quiet = given.options.contains(quietOption);
     line.output.pager = !given.options.contains(noPagerOption);
     line.output.color = !given.options.contains(noColorOption);

@@ -33,7 +33,7 @@ QJsonObject toJson(const Verification &verification)
             {QStringLiteral("findings"), verification.findings()}};
 }
 
-void print(const Verification &verification, const Output &output)
+void print(const Verification &verification, Output &output)
 {
     QVector<QStringList> rows;
     for (const FamilyReport &report : verification.families()) {

@@ -34,14 +34,19 @@ QString optionBranches(const QVector<Command> &commands, const Catalogue &catalo
 {
     QString text;
     for (const Option &option : allOptions(commands)) {
-        const QStringList words = candidates(option.completion, catalogue);
+        const bool hasForm = !option.form.isEmpty();
+        const QStringList words =
+            hasForm ? QStringList{option.form} : candidates(option.completion, catalogue);
         if (words.isEmpty())
             continue;
-        text += QStringLiteral("    --%1)\n"
+        const QString pattern =
+            (hasForm ? QStringLiteral("yes--%1") : QStringLiteral("--%1 | yes--%1"))
+                .arg(option.name);
+        text += QStringLiteral("    %1)\n"
                                "        mapfile -t COMPREPLY < <(compgen -W '%2' -- \"$current\")\n"
                                "        return\n"
                                "        ;;\n")
-                    .arg(option.name, words.join(QLatin1Char(' ')));
+                    .arg(pattern, words.join(QLatin1Char(' ')));
     }
     return text;
 }
@@ -108,8 +113,10 @@ _embosserctl() {
     elif [[ $previous == = ]]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]} assigned=yes
     fi
+    case $assigned$previous in
+%5    esac
     case $previous in
-%5    %4 | :*) return ;;
+    %4 | :*) return ;;
     esac
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in

@@ -30,6 +30,11 @@ QStringList ProgramText::description()
             "the value, and set reads it from standard input, or prompts for it without echo."),
         QStringLiteral("On a terminal, the output is aligned and coloured. Otherwise it is plain, "
                        "with columns separated by tabs."),
+        QStringLiteral("With --terse, each row is a line whose fields are separated by colons, on "
+                       "a terminal too, without the names of the columns. A heading is the first "
+                       "field of the rows below it. In a field, a colon is written \\: and a "
+                       "backslash \\\\; a line break is \\n, a tabulator \\t, and another "
+                       "control character \\x and two digits."),
         QStringLiteral("What list, settings, describe, values, report and --help print is shown "
                        "by a pager if it is higher than the terminal and standard input is a "
                        "terminal too, unless TERM is dumb, JSON is printed or --no-pager is "

@@ -44,14 +44,19 @@ QStringList optionSpecifications(const QVector<Option> &options, const Catalogue
         if (!option.shortName.isNull())
             before = QStringLiteral("(-%1 --%2)").arg(option.shortName).arg(option.name);
         // A value may be the next argument, or stand after "=" or the letter.
+        const bool takesValue = !option.valueName.isEmpty();
         const auto add = [&](const QString &name, const QString &mark) {
-            specifications.append(
-                QStringLiteral("    '%1%2%3%4'")
-                    .arg(before, name, option.valueName.isEmpty() ? QString() : mark, text));
+            specifications.append(QStringLiteral("    '%1%2%3%4'").arg(before, name, mark, text));
         };
-        if (!option.shortName.isNull())
-            add(QStringLiteral("-") + option.shortName, QStringLiteral("+"));
-        add(QStringLiteral("--") + option.name, QStringLiteral("="));
+        if (!option.shortName.isNull()) {
+            add(QStringLiteral("-") + option.shortName,
+                takesValue ? QStringLiteral("+") : QString());
+        }
+        if (!option.form.isEmpty())
+            text += QStringLiteral("::form:(%1)").arg(option.form);
+        add(QStringLiteral("--") + option.name, takesValue              ? QStringLiteral("=")
+                                                : option.form.isEmpty() ? QString()
+                                                                        : QStringLiteral("=-"));
     }
     return specifications;
 }

@@ -92,8 +92,8 @@ Output::Output(const OutputOptions &options)
       m_isTerminal(isatty(STDOUT_FILENO)),
       m_lineWidth(m_isTerminal ? terminalSize().ws_col : 0)
 {
-    m_options.color = options.color && m_isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR") &&
-                      qgetenv("TERM") != "dumb";
+    m_options.color = options.color && m_isTerminal && !options.terse &&
+                      qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
 }
 
 bool Output::isWritten() const
@@ -146,12 +146,19 @@ void Output::text(const QString &text) const
 
 void Output::line(const QString &text) const
 {
+    if (m_options.terse) {
+        terseLine({text});
+        return;
+    }
     printLine(m_isTerminal ? printable(text) : text);
 }
 
-void Output::heading(const QString &text) const
+void Output::heading(const QString &text)
 {
-    printLine(styled(printable(text), headingStyle));
+    if (m_options.terse)
+        m_heading = QStringList{text};
+    else
+        printLine(styled(printable(text), headingStyle));
 }
 
 void Output::row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
@@ -169,6 +176,14 @@ void Output::row(const QStringList &cells, const QVector<int> &widths, const QVe
     }
     for (const QStringList &line : qAsConst(lines))
         rowLine(line, widths, firstStyle);
+}
+
+void Output::terseLine(const QStringList &cells) const
+{
+    QStringList fields;
+    for (const QString &cell : cells)
+        fields.append(printable(cell).replace(QLatin1Char(':'), QStringLiteral("\\:")));
+    printLine(fields.join(QLatin1Char(':')));
 }
 
 void Output::rowLine(const QStringList &cells, const QVector<int> &widths,
@@ -193,6 +208,11 @@ void Output::rowLine(const QStringList &cells, const QVector<int> &widths,
 void Output::table(const QVector<QStringList> &rows, const QStringList &header,
                    const QVector<int> &prose) const
 {
+    if (m_options.terse) {
+        for (const QStringList &cells : rows)
+            terseLine(m_heading + cells);
+        return;
+    }
     QVector<QStringList> shown;
     for (const QStringList &cells : QVector<QStringList>{header} + rows)
         shown.append(printableCells(cells));
@@ -221,7 +241,8 @@ void Output::value(const QJsonValue &value) const
 void Output::json(const QJsonValue &value)
 {
     m_hasDocument = true;
-    printLine(QString::fromUtf8(document(value, QJsonDocument::Indented)));
+    printLine(QString::fromUtf8(
+        document(value, m_options.compactJson ? QJsonDocument::Compact : QJsonDocument::Indented)));
 }
 
 void Output::jsonLine(const QJsonValue &value)

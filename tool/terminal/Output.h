@@ -18,6 +18,8 @@ class Failure;
 struct OutputOptions
 {
     bool json = false;
+    bool compactJson = false;
+    bool terse = false;
     bool quiet = false;
     bool color = true;
     bool pager = true;
@@ -28,6 +30,9 @@ struct OutputOptions
 /// On a terminal, columns are aligned and headings coloured; elsewhere columns are separated by
 /// tabs. Control characters and backslashes are shown as escapes in columns, and in anything on a
 /// terminal.
+///
+/// Terse output is the same on a terminal: a line for each row, with a colon between its cells, in
+/// which colons are escaped as well. A heading is the first cell of the rows that follow it.
 class Output
 {
 public:
@@ -50,7 +55,7 @@ public:
     /// Text that has its own lines.
     void text(const QString &text) const;
     void line(const QString &text) const;
-    void heading(const QString &text) const;
+    void heading(const QString &text);
     /// The columns of prose are broken into lines where a terminal has no room for them.
     void table(const QVector<QStringList> &rows, const QStringList &header = {},
                const QVector<int> &prose = {}) const;
@@ -73,11 +78,14 @@ private:
     QString styled(const QString &text, const QString &style) const;
     void row(const QStringList &cells, const QVector<int> &widths, const QVector<int> &prose,
              const QString &firstStyle) const;
+    void terseLine(const QStringList &cells) const;
     void rowLine(const QStringList &cells, const QVector<int> &widths,
                  const QString &firstStyle) const;
 
     OutputOptions m_options;
     bool m_isTerminal;
+    /// Of terse output.
+    QStringList m_heading;
     /// Of the terminal; 0 if it is not known.
     int m_lineWidth = 0;
     /// The results that are to be paged; null while they are printed at once.
