@@ -31,7 +31,7 @@ MapList valueList(const Configuration &configuration, int row)
                               .arg(rows.value(0))
                               .arg(rows.value(rows.keyCount() - 1)));
     MapList list;
-    for (const Choice &choice : configuration.profile().rows().value(QString::fromLatin1(name)))
+    for (const Choice &choice : configuration.choices(QString::fromLatin1(name)))
         list.append({{QStringLiteral("key"), choice.key}, {QStringLiteral("value"), choice.value}});
     return list;
 }
@@ -41,7 +41,7 @@ Bounds boundsOf(const Configuration &configuration, const QString &name)
     const Parameter &parameter = configuration.parameter(name);
     if (parameter.min)
         return configuration.bounds(name);
-    const QVector<Choice> choices = configuration.profile().rows().value(parameter.row);
+    const QVector<Choice> choices = configuration.choices(parameter.row);
     if (choices.isEmpty() || configuration.setting(name).type != QLatin1String("i"))
         throw invalidValue(QStringLiteral("%1 has no bounds").arg(name));
     const auto [min, max] =
@@ -200,8 +200,7 @@ double number(const Configuration &configuration, const Call &call)
 
 QString choiceKey(const Configuration &configuration, const QString &name, int position)
 {
-    const QVector<Choice> choices =
-        configuration.profile().rows().value(configuration.parameter(name).row);
+    const QVector<Choice> choices = configuration.choices(configuration.parameter(name).row);
     if (position < 0 || position >= choices.size())
         throw invalidArguments(
             QStringLiteral("%1 has %2 choices, numbered from 0; there is no choice %3")

@@ -5,6 +5,7 @@
 #include "model/DBusTypes.h"
 #include "model/Page.h"
 #include "model/Resources.h"
+#include "model/Rules.h"
 #include "model/Settings.h"
 
 #include <contract/Interface.h>
@@ -107,21 +108,23 @@ int readKey(const JsonNode &node)
     return value;
 }
 
-/// Refuses what is no rule, or one that depends on what is set rather than on the model.
-void requireModelRule(const JsonNode &node)
+/// Refuses what is no rule, or one of which nobody has said when it holds.
+void requireRule(const JsonNode &node)
 {
     const auto rules = QMetaEnum::fromType<lcm::ValidateCommand>();
     const QString text = node.toText();
     if (rules.keyToValue(text.toLatin1().constData()) < 0)
         node.refuse(QStringLiteral("is not a value of ValidateCommand"));
-    const QStringList others{QStringLiteral("AlwaysValid"), QStringLiteral("AlwaysInvalid"),
-                             QStringLiteral("IsDoubleSided"), QStringLiteral("UserPaperAvailable")};
-    const QString model = QStringLiteral("ModelIs");
-    const auto masks = QMetaEnum::fromType<lcm::ModelMask>();
-    const bool isOfModel = text.startsWith(model) &&
-                           masks.keyToValue(text.mid(model.size()).toLatin1().constData()) > 0;
-    if (!isOfModel && !others.contains(text))
-        node.refuse(QStringLiteral("is not a rule about the model"));
+    if (!isRuleAboutModel(text) && !isRuleAboutSettings(text))
+        node.refuse(QStringLiteral("is a rule of which the simulator does not know when it holds"));
+}
+
+/// Those of the rules that may hold at another time.
+QStringList aboutSettings(const QStringList &rules)
+{
+    QStringList found;
+    std::copy_if(rules.begin(), rules.end(), std::back_inserter(found), isRuleAboutSettings);
+    return found;
 }
 
 QVariant readValue(const JsonNode &node, const QString &dbusType)
@@ -633,7 +636,7 @@ QStringList Profile::rulesThatHold() const
     return rules;
 }
 
-QString Profile::unfulfilledRules(const JsonNode &node) const
+QStringList Profile::unfulfilledRules(const JsonNode &node) const
 {
     const QString member = QStringLiteral("available");
     if (!node.has(member))
@@ -641,12 +644,12 @@ QString Profile::unfulfilledRules(const JsonNode &node) const
     const QStringList holding = rulesThatHold();
     QStringList unfulfilled;
     for (const JsonNode &rule : node[member].elements()) {
-        requireModelRule(rule);
+        requireRule(rule);
         if (holding.contains(rule.toText()))
             return {};
         unfulfilled += rule.toText();
     }
-    return unfulfilled.join(QStringLiteral(" or "));
+    return unfulfilled;
 }
 
 void Profile::readRows(const JsonNode &node)
@@ -668,8 +671,10 @@ void Profile::readRows(const JsonNode &node)
         choices.clear();
         int position = 0;
         for (const JsonNode &element : node[name].elements()) {
-            const Choice choice = readChoice(element, position++);
-            if (!unfulfilledRules(element).isEmpty())
+            Choice choice = readChoice(element, position++);
+            const QStringList unfulfilled = unfulfilledRules(element);
+            choice.when = aboutSettings(unfulfilled);
+            if (!unfulfilled.isEmpty() && choice.when.isEmpty())
                 continue;
             for (const Choice &other : m_isCapture ? QVector<Choice>() : choices) {
                 if (choice.key == other.key || choice.value == other.value)
@@ -695,7 +700,8 @@ void Profile::readParameters(const JsonNode &node, const Settings &settings)
                                          : QStringLiteral("takes no key"));
         Parameter parameter =
             m_isCapture ? readCapturedParameter(member, *setting) : readParameter(member, *setting);
-        parameter.fixedBy = unfulfilledRules(member);
+        parameter.unfulfilled = unfulfilledRules(member);
+        parameter.when = aboutSettings(parameter.unfulfilled);
         if (member.has(QStringLiteral("available")))
             parameter.available = member["available"].toTexts();
         m_parameters.insert(name, parameter);

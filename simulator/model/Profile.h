@@ -39,8 +39,9 @@ struct Parameter
     QString below; ///< the setting whose value is to stay above this one's; may be empty
     /// The rules of which one must hold for another value than the initial one; may be empty.
     QStringList available;
-    /// Those of them, if none holds for the model.
-    QString fixedBy;
+    /// These, if none of them holds for the model; and those of them that look at what is set.
+    QStringList unfulfilled;
+    QStringList when;
     /// What the captured service said of the setting, and of the value that it had; may be null.
     QString proposition;
     QString sentence;
@@ -59,6 +60,8 @@ struct Choice
 {
     QString key; ///< what a text setting holds
     int value;   ///< what a number setting holds
+    /// The rules about what is set of which one must hold; empty if it is always there.
+    QStringList when = {};
 };
 
 /// Braille distances in millimetres; 0 is one that a captured service does not tell.
@@ -94,7 +97,7 @@ public:
     /// By name; a key follows the name of its setting and a slash.
     const QMap<QString, Parameter> &parameters() const { return m_parameters; }
 
-    /// Those that the model has of the value lists' entries.
+    /// Those that the model has of the value lists' entries, whatever is set.
     const QMap<QString, QVector<Choice>> &rows() const { return m_rows; }
 
     /// The properties of each paper format, the lengths in millimetres.
@@ -133,7 +136,7 @@ private:
     void readAnswers(const JsonNode &node, const contract::Interface &interface);
     QStringList rulesThatHold() const;
     /// The rules at a node of which none holds for the model; empty if it has none or one holds.
-    QString unfulfilledRules(const JsonNode &node) const;
+    QStringList unfulfilledRules(const JsonNode &node) const;
     void readRows(const JsonNode &node);
     void readParameters(const JsonNode &node, const Settings &settings);
     /// Refuses a value of the setting that is none of the members.

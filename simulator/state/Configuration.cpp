@@ -5,6 +5,7 @@
 #include "model/DBusTypes.h"
 #include "model/Page.h"
 #include "model/Profile.h"
+#include "model/Rules.h"
 #include "model/Settings.h"
 #include "state/Refusal.h"
 #include "state/Store.h"
@@ -34,6 +35,22 @@ QString collectionScope(const QString &collection)
 QString scopeOf(const Setting &setting, const QString &collection)
 {
     return setting.perCollection ? collectionScope(collection) : deviceScope;
+}
+
+QString joined(const QStringList &rules)
+{
+    return rules.join(QStringLiteral(" or "));
+}
+
+bool isConditional(const Choice &choice)
+{
+    return !choice.when.isEmpty();
+}
+
+bool isSetTo(const QVariant &value, const Choice &choice)
+{
+    return value.userType() == QMetaType::QString ? value == choice.key
+                                                  : value.toDouble() == choice.value;
 }
 
 bool isNumber(const QVariant &value)
@@ -162,10 +179,7 @@ QString Configuration::objectionTo(const QString &name, const QVariant &value) c
 
 void Configuration::setValue(const QString &name, const QString &collection, const QVariant &value)
 {
-    Store::Transaction transaction(m_store);
-    store(name, collection, value);
-    requireOrder({name}, collection);
-    transaction.commit();
+    setValues(collection, {{name, value}});
 }
 
 void Configuration::store(const QString &name, const QString &collection, const QVariant &value)
@@ -175,11 +189,12 @@ void Configuration::store(const QString &name, const QString &collection, const 
         throw invalidValue(name + QLatin1String(": ") + objection);
     QVariant converted = value;
     converted.convert(metaTypeOf(setting(name).type));
-    const QString rule = parameter(name).fixedBy;
-    if (!rule.isEmpty() && converted != initialValue(name, collection))
+    const Parameter &known = parameter(name);
+    if (!known.unfulfilled.isEmpty() && known.when.isEmpty() &&
+        converted != initialValue(name, collection))
         throw invalidValue(QStringLiteral("%1: cannot be changed on this model, for which %2 does "
                                           "not hold")
-                               .arg(name, rule));
+                               .arg(name, joined(known.unfulfilled)));
 
     const QString scope = scopeOf(setting(name), collection);
     m_store.setValue(scope, name, converted);
@@ -225,6 +240,70 @@ void Configuration::requireOrder(const QStringList &names, const QString &collec
                     .arg(lower.key(), low.toString(), lower->below, high.toString(), lower->unit)
                     .trimmed());
     }
+}
+
+QVariantMap Configuration::restrictedValues(const QStringList &names,
+                                            const QString &collection) const
+{
+    QVariantMap values;
+    for (const QString &name : names) {
+        const auto known = m_profile.parameters().constFind(name);
+        if (known == m_profile.parameters().cend())
+            continue;
+        const QVector<Choice> choices = m_profile.rows().value(known->row);
+        const bool isRestricted =
+            !known->when.isEmpty() || std::any_of(choices.begin(), choices.end(), isConditional);
+        if (!isRestricted)
+            continue;
+        // One that does not fit may be replaced as well.
+        const QVariant stored = m_store.value(scopeOf(setting(name), collection), name);
+        values.insert(name, stored.isValid() ? stored : initialValue(name, collection));
+    }
+    return values;
+}
+
+void Configuration::requireAvailable(const QVariantMap &before, const QString &collection) const
+{
+    for (auto former = before.begin(); former != before.end(); ++former) {
+        const QString &name = former.key();
+        const QVariant now = value(name, collection);
+        if (now == *former)
+            continue;
+        const Parameter &known = parameter(name);
+        if (!known.when.isEmpty() && !holdsAny(known.when, collection))
+            throw invalidValue(QStringLiteral("%1: cannot be changed while %2 does not hold")
+                                   .arg(name, joined(known.unfulfilled)));
+        for (const Choice &choice : m_profile.rows().value(known.row)) {
+            if (isSetTo(now, choice) && isConditional(choice) && !holdsAny(choice.when, collection))
+                throw invalidValue(QStringLiteral("%1: the value is not available while %2 does "
+                                                  "not hold")
+                                       .arg(name, joined(choice.when)));
+        }
+    }
+}
+
+bool Configuration::holdsAny(const QStringList &rules, const QString &collection) const
+{
+    return simulator::holdsAny(rules,
+                               [&](const QString &setting) { return value(setting, collection); });
+}
+
+QVector<Choice> Configuration::choices(const QString &row) const
+{
+    const auto isSet = [&](const Choice &choice) {
+        const auto &parameters = m_profile.parameters();
+        for (auto known = parameters.begin(); known != parameters.end(); ++known) {
+            if (known->row == row && isSetTo(value(known.key()), choice))
+                return true;
+        }
+        return false;
+    };
+    QVector<Choice> available;
+    for (const Choice &choice : m_profile.rows().value(row)) {
+        if (!isConditional(choice) || holdsAny(choice.when, masterCollection()) || isSet(choice))
+            available.append(choice);
+    }
+    return available;
 }
 
 void Configuration::increment(const QString &name, const QString &collection)
@@ -277,12 +356,14 @@ void Configuration::setValues(const QString &collection, const QVariantMap &valu
     Store::Transaction transaction(m_store);
     // What others follow comes first, since it undoes what is said of them.
     QStringList names = values.keys();
+    const QVariantMap before = restrictedValues(names, collection);
     std::stable_sort(names.begin(), names.end(), [this](const QString &a, const QString &b) {
         return depthOf(a) < depthOf(b);
     });
     for (const QString &name : qAsConst(names))
         store(name, collection, values.value(name));
     requireOrder(names, collection);
+    requireAvailable(before, collection);
     transaction.commit();
 }
 

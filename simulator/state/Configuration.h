@@ -6,12 +6,14 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVariant>
+#include <QtCore/QVector>
 
 namespace simulator {
 
 class Profile;
 class Settings;
 class Store;
+struct Choice;
 struct Parameter;
 struct Setting;
 
@@ -46,6 +48,10 @@ public:
     /// The bounds of a setting that has some: those of the model, or, where another setting's value
     /// in the master collection is to stay above or below, what that leaves.
     Bounds bounds(const QString &name) const;
+
+    /// Those entries of a value list that are available with what is set in the master collection,
+    /// and those that are set there.
+    QVector<Choice> choices(const QString &row) const;
 
     /// The answers to the queries without arguments, by method name.
     QMap<QString, QVariant> answers() const;
@@ -98,6 +104,11 @@ private:
     /// How many steps a setting is away from one that follows nothing.
     int depthOf(const QString &name) const;
     void requireOrder(const QStringList &names, const QString &collection) const;
+    /// Refuses a change to what is not available with all that is set now.
+    void requireAvailable(const QVariantMap &before, const QString &collection) const;
+    /// What those of the settings have whose value may be unavailable.
+    QVariantMap restrictedValues(const QStringList &names, const QString &collection) const;
+    bool holdsAny(const QStringList &rules, const QString &collection) const;
 
     const Settings &m_settings;
     const Profile &m_profile;

@@ -87,7 +87,7 @@ private Q_SLOTS:
                 continue;
             // A checksum may have more bits than an int's value.
             const bool isChecksum = name == "FileCRC";
-            if (!parameter->fixedBy.isEmpty())
+            if (!parameter->unfulfilled.isEmpty())
                 continue;
             QCOMPARE(m_model->refusalOf(name, min), QString());
             QCOMPARE(m_model->refusalOf(name, max), QString());

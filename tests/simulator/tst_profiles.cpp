@@ -138,9 +138,11 @@ private Q_SLOTS:
         row("rule that is none", R"({"base": "Arvo", "settings": {"TabSize": {
 "available": ["IsDoubleSide"]}}})",
             2, "settings/TabSize/available/0: is not a value of ValidateCommand");
-        row("rule about what is set", R"({"base": "Arvo", "rows": {"OnOff": ["Off",
-{"key": "On", "value": 1, "available": ["PaperSizeIsA4"]}]}})",
-            2, "rows/OnOff/1/available/0: is not a rule about the model");
+        row("rule of which nobody says when it holds", R"({"base": "Arvo", "rows": {"OnOff": ["Off",
+{"key": "On", "value": 1, "available": ["HammerBatchIsOk"]}]}})",
+            2,
+            "rows/OnOff/1/available/0: is a rule of which the simulator does not know when it "
+            "holds");
         row("list of which no entry is available",
             R"({"base": "Arvo", "rows": {
 "Unit": [{"key": "mm", "value": 0, "available": ["AlwaysInvalid"]}]}})",
@@ -418,6 +420,88 @@ private Q_SLOTS:
         const QVariantList name{QStringLiteral("TopOfForm")};
         QCOMPARE(simulator.value("getMinValue", name), QVariant(-1));
         QCOMPARE(simulator.value("getMaxValue", name), QVariant(100));
+    }
+
+    void choicesMayDependOnWhatIsSet_data()
+    {
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QString>("setter");
+        QTest::addColumn<QString>("holding");
+        QTest::addColumn<QString>("other");
+        QTest::newRow("paper") << "PaperSizeIs85x110"
+                               << "setPaperSize"
+                               << "85x110"
+                               << "A4";
+        QTest::newRow("page number") << "PageNumberIsSelected"
+                                     << "setPageNumber"
+                                     << "Top"
+                                     << "None";
+        QTest::newRow("no page number") << "PageNumberNotSelected"
+                                        << "setPageNumber"
+                                        << "None"
+                                        << "Bottom";
+        QTest::newRow("top margin") << "TmIsSelected"
+                                    << "setTopMargin"
+                                    << "2"
+                                    << "0";
+        QTest::newRow("booklet") << "IsBookletTypeSelected"
+                                 << "setDuplexing"
+                                 << "Booklet16"
+                                 << "Double";
+    }
+
+    void choicesMayDependOnWhatIsSet()
+    {
+        QFETCH(QString, rule);
+        QFETCH(QString, setter);
+        QFETCH(QString, holding);
+        QFETCH(QString, other);
+        Simulator simulator(m_bus);
+        simulator.start({QStringLiteral("--profile"),
+                         write(QStringLiteral("rules.json"), QStringLiteral(R"({"base": "Dovrik",
+"rows": {"LineSpacing": ["Single", "Double", {"value": "OneAndHalf", "available": ["AlwaysInvalid", "%1"]}]},
+"settings": {"AlignLow": {"available": ["%1"]}}})")
+                                                                 .arg(rule))});
+        const QString master = Simulator::masterCollection();
+        const auto set = [&](const QString &value) {
+            return simulator.error(setter, {value, master});
+        };
+        const auto spacings = [&] { return simulator.value("getValueList", {15}).toList().size(); };
+        const QString expected =
+            QStringLiteral("BrailleLineSpacing: the value is not available while %1 "
+                           "does not hold")
+                .arg(rule);
+        const int align = simulator.value("getAlignLow", {master}).toInt();
+
+        QCOMPARE(set(other), QString());
+        QCOMPARE(spacings(), 2);
+        QCOMPARE(simulator.error("setBrailleLineSpacing", {"OneAndHalf", master}), expected);
+        QCOMPARE(simulator.value("getBrailleLineSpacing", {master}), QVariant("Single"));
+        QCOMPARE(simulator.error("setAlignLow", {align + 1, master, false}),
+                 QStringLiteral("AlignLow: cannot be changed while %1 does not hold").arg(rule));
+        QCOMPARE(simulator.error("setAlignLow", {align, master, false}), QString());
+
+        QCOMPARE(set(holding), QString());
+        QCOMPARE(spacings(), 3);
+        QCOMPARE(simulator.error("setBrailleLineSpacing", {"OneAndHalf", master}), QString());
+        QCOMPARE(simulator.error("setAlignLow", {align + 1, master, false}), QString());
+
+        // What is set stays, and stays in its list, until it is changed.
+        QCOMPARE(set(other), QString());
+        QCOMPARE(simulator.value("getBrailleLineSpacing", {master}), QVariant("OneAndHalf"));
+        QCOMPARE(spacings(), 3);
+        QCOMPARE(simulator.error("setBrailleLineSpacing", {"OneAndHalf", master}), QString());
+        QCOMPARE(simulator.error("setBrailleLineSpacing", {"Double", master}), QString());
+        QCOMPARE(spacings(), 2);
+        QCOMPARE(simulator.error("setBrailleLineSpacing", {"OneAndHalf", master}), expected);
+
+        // In one sequence, it is what is set in the end that counts.
+        QVariantMap sequence{{QStringLiteral("BrailleLineSpacing"), QStringLiteral("OneAndHalf")},
+                             {setter.mid(3), other}};
+        QCOMPARE(simulator.error("processSequence", {sequence}), expected);
+        sequence.insert(setter.mid(3), holding);
+        QCOMPARE(simulator.error("processSequence", {sequence}), QString());
+        QCOMPARE(simulator.value("getBrailleLineSpacing", {master}), QVariant("OneAndHalf"));
     }
 
     void aCapturedServiceMayTellNothing()
