@@ -199,6 +199,8 @@ private Q_SLOTS:
                                 "argv4=systemd-stdio-bridge"));
         QCOMPARE(refusal(words("status -H -oProxyCommand=x")),
                  QStringLiteral("'-oProxyCommand=x' is not the name of a machine"));
+        QCOMPARE(refusal({QStringLiteral("status"), QStringLiteral("--host"), QString()}),
+                 QStringLiteral("'' is not the name of a machine"));
         QCOMPARE(refusal(words("status -H a --address b")),
                  QStringLiteral("--address and --host exclude each other"));
     }
