@@ -256,6 +256,21 @@ private Q_SLOTS:
             "holds the state of the model Kestan, not Arvo");
     }
 
+    void aDatabaseOfAnotherProgramIsRefused()
+    {
+        change("CREATE TABLE theirs (value)");
+        expectRefusal({QStringLiteral("--state"), m_state}, "is a database of another program");
+    }
+
+    void aFileOfAnotherFormatIsRefused()
+    {
+        start();
+        m_simulator.process().terminateAndWait();
+        change("PRAGMA user_version = 99");
+        expectRefusal({QStringLiteral("--state"), m_state},
+                      "was written by another version of this program");
+    }
+
     void aFileOfAnotherProgramIsRefusedAndLeftAsItIs()
     {
         QFile file(m_state);
