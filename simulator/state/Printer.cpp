@@ -27,6 +27,9 @@ const QString nextName = QStringLiteral("next");
 const QString nextAfterName = QStringLiteral("nextAfter");
 const QString sheetsName = QStringLiteral("sheetsInBin");
 
+// So that the simulator is not deaf for long.
+const quint32 mostAtOnce = 1000;
+
 /// The values of DocumentStatus.
 enum Status {
     NoJob,
@@ -258,16 +261,17 @@ void Printer::print(quint32 pages, quint32 copies, quint32 milliseconds)
 
 quint32 Printer::step(quint32 pages)
 {
+    if (pages > mostAtOnce)
+        throw invalidArguments(
+            QStringLiteral("no more than %1 pages are printed at once").arg(mostAtOnce));
+    Store::Transaction transaction(m_store);
+    Job job = load();
     quint32 printed = 0;
-    for (; printed < pages; ++printed) {
-        Store::Transaction transaction(m_store);
-        Job job = load();
-        if (job.status != Printing)
-            break;
+    for (; printed < pages && job.status == Printing; ++printed) {
         printPage(job);
         save(job);
-        transaction.commit();
     }
+    transaction.commit();
     follow();
     return printed;
 }

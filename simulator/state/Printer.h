@@ -37,7 +37,8 @@ public:
     /// pages. A page takes so long; at 0, it is printed by step() only.
     void print(quint32 pages, quint32 copies, quint32 milliseconds);
 
-    /// Prints the next pages at once, and returns how many: fewer if the job ends or is held.
+    /// Prints the next pages, at most 1000, at once, and returns how many: fewer if the job ends or
+    /// is held.
     quint32 step(quint32 pages);
 
     void cancel();

@@ -6,6 +6,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QUuid>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
@@ -91,7 +92,7 @@ QVariant demarshalled(const QVariant &value)
 class SimulatedEmbosserPrivate
 {
 public:
-    ~SimulatedEmbosserPrivate() { QDBusConnection::disconnectFromBus(connectionName()); }
+    ~SimulatedEmbosserPrivate() { QDBusConnection::disconnectFromBus(m_connectionName); }
 
     void start(const QStringList &options);
     bool startBus();
@@ -100,18 +101,18 @@ public:
     void inject(const QString &kind, const QString &method, uint calls,
                 const QString &detail = {}) const;
 
-    static QString connectionName() { return QStringLiteral("libconfigurationmanager-testing"); }
-
-    std::unique_ptr<BoundProcess> simulator;
-    QString address;
-
 private:
     /// Starts a process and takes the line by which it says that it is ready. Null, and the test
     /// has failed with what the process says, if there is none.
     std::unique_ptr<BoundProcess> begin(const QStringList &command, QString &line) const;
 
-    QTemporaryDir m_directory;
+    const QString m_connectionName = QUuid::createUuid().toString();
+    const QTemporaryDir m_directory;
     std::unique_ptr<BoundProcess> m_bus;
+
+public:
+    QString address;
+    std::unique_ptr<BoundProcess> simulator; // which ends before its bus
 };
 
 std::unique_ptr<BoundProcess> SimulatedEmbosserPrivate::begin(const QStringList &command,
@@ -130,9 +131,9 @@ std::unique_ptr<BoundProcess> SimulatedEmbosserPrivate::begin(const QStringList 
     } else {
         QFile errors(errorFile);
         errors.open(QIODevice::ReadOnly);
-        fail(QStringLiteral("%1 does not get ready: %2%3")
-                 .arg(program, process->errorString(),
-                      QLatin1Char('\n') + QString::fromUtf8(errors.readAll()).trimmed()));
+        const QString words = QString::fromUtf8(errors.readAll()).trimmed();
+        fail(QStringLiteral("%1 does not get ready: %2")
+                 .arg(program, words.isEmpty() ? process->errorString() : words));
     }
     return {};
 }
@@ -143,7 +144,7 @@ bool SimulatedEmbosserPrivate::startBus()
     if (!m_bus)
         return false;
     qputenv(systemBusVariable, address.toUtf8());
-    const QDBusConnection bus = QDBusConnection::connectToBus(address, connectionName());
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, m_connectionName);
     const QString id = idOf(bus);
     if (id.isEmpty()) {
         fail(QStringLiteral("its bus does not answer: %1").arg(bus.lastError().message()));
@@ -183,7 +184,7 @@ QDBusMessage SimulatedEmbosserPrivate::control(const QString &interface, const Q
         fail(QStringLiteral("%1: it has not been started").arg(method));
         return {};
     }
-    QDBusMessage answer = answerTo(message, QDBusConnection(connectionName()));
+    QDBusMessage answer = answerTo(message, QDBusConnection(m_connectionName));
     if (answer.type() != QDBusMessage::ReplyMessage)
         fail(QStringLiteral("%1: %2").arg(method, answer.errorMessage()));
     return answer;

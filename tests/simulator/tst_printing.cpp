@@ -9,6 +9,7 @@
 namespace {
 
 const QString master = Simulator::masterCollection();
+const int patience = 60000;
 
 } // namespace
 
@@ -60,7 +61,7 @@ private Q_SLOTS:
         QCOMPARE(counter(2), 6);
         QCOMPARE(counter(3), 1);
         QCOMPARE(job("sheetsInBin"), 6);
-        QTRY_COMPARE(m_statuses, (QStringList{"printing", "finished"}));
+        QTRY_COMPARE_WITH_TIMEOUT(m_statuses, (QStringList{"printing", "finished"}), patience);
     }
 
     void theNextJobBeginsAnew()
@@ -135,7 +136,8 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.error("setPrintingPaused", {false}), QString());
         QCOMPARE(setting("DocumentStatus"), 1);
         QCOMPARE(step(100), 2U);
-        QTRY_COMPARE(m_statuses, (QStringList{"printing", "paused", "printing", "finished"}));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            m_statuses, (QStringList{"printing", "paused", "printing", "finished"}), patience);
     }
 
     void itPausesBetweenCopiesIfThatIsSet()
@@ -257,7 +259,7 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         control("Print", {uint(pages), 1U, 10U});
-        QTRY_COMPARE(setting("DocumentStatus"), 4);
+        QTRY_COMPARE_WITH_TIMEOUT(setting("DocumentStatus"), 4, patience);
         QVERIFY(timer.elapsed() >= qint64(pages) * 10);
         QCOMPARE(setting("NumberOfPrintedPages"), pages);
     }
@@ -271,7 +273,7 @@ private Q_SLOTS:
         for (int i = 0; i < 20; ++i)
             QCOMPARE(setting("NumberOfPrintedPages"), 0);
         QCOMPARE(m_simulator.error("setPrintingPaused", {false}), QString());
-        QTRY_COMPARE(setting("NumberOfPrintedPages"), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(setting("NumberOfPrintedPages"), 1, patience);
     }
 
     void itCanBeCancelled()
@@ -296,7 +298,7 @@ private Q_SLOTS:
         QCOMPARE(sensor("CoverOpen"), false);
         QCOMPARE(counter(1), 0);
         QCOMPARE(control("Job").toMap().value("status").toString(), QStringLiteral("none"));
-        QTRY_COMPARE(m_statuses, (QStringList{"printing", "held", "none"}));
+        QTRY_COMPARE_WITH_TIMEOUT(m_statuses, (QStringList{"printing", "held", "none"}), patience);
     }
 
     void itGoesOnAfterACrash()
@@ -333,7 +335,7 @@ private Q_SLOTS:
         m_simulator.start(arguments);
         QCOMPARE(setting("DocumentStatus"), 2);
         QCOMPARE(m_simulator.error("setPrintingPaused", {false}), QString());
-        QTRY_COMPARE(setting("DocumentStatus"), 4);
+        QTRY_COMPARE_WITH_TIMEOUT(setting("DocumentStatus"), 4, patience);
     }
 
     void whatCannotBePrintedIsRefused()
@@ -342,6 +344,7 @@ private Q_SLOTS:
         QVERIFY(refusal("Print", {1U, 1000U, 0U}).contains("NumberOfCopies"));
         QVERIFY(refusal("Print", {4000000000U, 2U, 0U}).contains("NumberOfPrintedPages"));
         QVERIFY(refusal("Print", {1U, 1U, 4000000000U}).contains("milliseconds"));
+        QVERIFY(refusal("Step", {1001U}).contains("no more than 1000 pages"));
         QVERIFY(refusal("Interrupt", {"flood", 1U}).contains("there are: out-of-paper"));
         QCOMPARE(setting("NumberOfCopies"), 1);
         print(1, 1);

@@ -64,6 +64,17 @@ private Q_SLOTS:
         QVERIFY(!QDBusConnection::systemBus().isConnected());
         SimulatedEmbosser().start();
     }
+    void whileThereIsAnother()
+    {
+        SimulatedEmbosser first;
+        first.start();
+        SimulatedEmbosser().start();
+    }
+    void afterThereWasAnother()
+    {
+        SimulatedEmbosser().start();
+        SimulatedEmbosser().start();
+    }
     void ofAnUnknownModel() { SimulatedEmbosser().start(QStringLiteral("Nobody")); }
     void ofAProfileThatIsNotThere()
     {
@@ -377,6 +388,8 @@ void SimulatedEmbosserTest::saysWhatCannotBeDone_data()
     QTest::addColumn<QString>("said");
     QTest::newRow("afterTheSystemBusWasUsed") << "this process has used the system bus already";
     QTest::newRow("afterASystemBusWasNotThere") << "this process has used the system bus already";
+    QTest::newRow("whileThereIsAnother") << "only one in a process";
+    QTest::newRow("afterThereWasAnother") << "only one in a process";
     QTest::newRow("ofAnUnknownModel") << "there is no model \"Nobody\"; there are: Arvo";
     QTest::newRow("ofAProfileThatIsNotThere") << "/nonexistent.json";
     QTest::newRow("withoutADaemon") << "the program dbus-daemon is not found in PATH";

@@ -124,7 +124,8 @@ public:
     /// A page takes so long; at 0, pages are printed by printPages() alone.
     void print(uint pages, uint copies = 1, std::chrono::milliseconds perPage = {});
 
-    /// Prints the next pages at once, and returns how many: fewer if the job ends or is held.
+    /// Prints the next pages, at most 1000, at once, and returns how many: fewer if the job ends or
+    /// is held.
     uint printPages(uint pages = 1);
 
     /// Has something happen to the job after so many more pages, or, at 0, now.
