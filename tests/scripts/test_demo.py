@@ -4,6 +4,7 @@
 
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import unittest
@@ -12,10 +13,12 @@ DEMO = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "demo"
 
 
 class Demo(unittest.TestCase):
-    def start(self):
+    def start(self, *arguments, **options):
         # A session of its own: what belongs to the demo can be told from everything else.
-        demo = subprocess.Popen([DEMO], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.STDOUT, text=True, start_new_session=True)
+        demo = subprocess.Popen([DEMO, *arguments],
+                                **{"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,
+                                   "stderr": subprocess.STDOUT, "text": True,
+                                   "start_new_session": True} | options)
         self.addCleanup(demo.stdout.close)
         return demo
 
@@ -52,6 +55,24 @@ class Demo(unittest.TestCase):
                 os.killpg(demo.pid, signal.SIGINT)
                 demo.communicate(timeout=200)
                 self.assertEqual(demo.returncode, 130)
+                self.assert_nothing_left(demo.pid)
+
+    def test_leaves_a_shell_that_completes_and_has_the_manual_pages(self):
+        questions = {
+            "bash": "complete -p embosserctl embosser-simulator",
+            "zsh": "print -r -- $_comps[embosserctl] $_comps[embosser-simulator]",
+        }
+        for name, question in questions.items():
+            with self.subTest(shell=name):
+                demo = self.start("--shell", stdin=subprocess.PIPE,
+                                  env=os.environ | {"SHELL": shutil.which(name)})
+                output, _ = demo.communicate(
+                    f"{question}\nls ${{MANPATH%:}}/man1/\necho \"<$PS1>\"\n"
+                    "embosserctl get Model\nexit\n", timeout=200)
+                self.assertEqual(demo.returncode, 0, output)
+                for expected in ("_embosserctl", "_embosser", "embosser-simulator.1",
+                                 "embosserctl.1", "<(embosser) ", "Dovrik V5\n"):
+                    self.assertIn(expected, output)
                 self.assert_nothing_left(demo.pid)
 
 
