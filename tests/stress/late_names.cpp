@@ -13,7 +13,7 @@
 #include <thread>
 
 // QListData::detach_grow(int *, int)
-// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): as Qt has it
+// NOLINTNEXTLINE(bugprone-reserved-identifier): as the compiler names it
 extern "C" void *_ZN9QListData11detach_growEPii(void *list, int *index, int count)
 {
     using Original = void *(*)(void *, int *, int);
