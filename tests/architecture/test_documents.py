@@ -6,8 +6,8 @@ import re
 import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
-DOCUMENTS = sorted(path for path in (*PROJECT.glob("*.md"), *PROJECT.glob("*/*.md"))
-                   if "build" not in path.parts)
+DOCUMENTS = sorted(path for pattern in ("*.md", "*/*.md", "*/*/*.md")
+                   for path in PROJECT.glob(pattern) if "build" not in path.parts)
 
 LINK = re.compile(r"\]\(([^)#\s]+)(?:#[^)]*)?\)")
 SCRIPT = re.compile(r"\bscripts/[a-z][a-z0-9-]*(?:\.\w+)?")

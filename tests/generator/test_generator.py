@@ -23,7 +23,10 @@ PRIVATE = "src/ConfigurationManager_p.cpp"
 SLOTS = "src/Slot.h"
 XML = "interface/com.tavelornbraille.ConfigurationManager.xml"
 PROTOCOL = "docs/protocol.md"
-OUTPUTS = (HEADER, PRIVATE_HEADER, ASYNC, FACADE, PRIVATE, SLOTS, XML, PROTOCOL)
+SETTINGS = "docs/settings.md"
+ENUMERATIONS = "docs/enumerations.md"
+OUTPUTS = (HEADER, PRIVATE_HEADER, ASYNC, FACADE, PRIVATE, SLOTS, XML, PROTOCOL, SETTINGS,
+           ENUMERATIONS)
 TABLE = "interface/operations.table"
 
 
@@ -61,11 +64,12 @@ class CheckedInFiles(Copy):
         good = self.outputs()
         for path in OUTPUTS:
             with self.subTest(path):
-                self.write(path, good[path].replace("getTabSize", "getTabWidth"))
+                name = "getType" if path == ENUMERATIONS else "getTabSize"
+                self.write(path, good[path].replace(name, "getNothing"))
                 check = generate(self.project, "--check")
                 self.assertEqual(check.returncode, 1)
                 self.assertIn(f"--- {path}\n", check.stdout)
-                self.assertIn("getTabWidth", check.stdout)
+                self.assertIn("getNothing", check.stdout)
 
                 written = generate(self.project)
                 self.assertEqual((written.returncode, written.stdout), (0, f"wrote {path}\n"))
@@ -340,6 +344,12 @@ bool ConfigurationManagerPrivate::setScale(const QString &unit, int scale, bool 
 | `setScaleOf` | unit, scale, *collection id*, *flag* | `sisb` | `b` | Sets the scale & size, in the numbers of lcm::Duplex. |
 | `setScale(QString, int, bool)` | `setScaleOf` |
 """,
+        SETTINGS: """
+| `Scale` | `int` | the scale & size |  | `setScale(unit, scale)` | `lcm::Duplex`, secret |
+""",
+        ENUMERATIONS: """
+Taken or returned by `setScale(unit, scale)`.
+""",
     }
 
     def test_adds_to_each_file_what_follows_from_it_and_changes_nothing_else(self):
@@ -365,7 +375,7 @@ class ARewordedRow(Copy):
         for path in (PRIVATE, FACADE, PRIVATE_HEADER):
             after[path] = after[path].replace("level", "value")
         self.assertEqual([path for path in OUTPUTS if after[path] != before[path]],
-                         [HEADER, ASYNC, XML, PROTOCOL])
+                         [HEADER, ASYNC, XML, PROTOCOL, SETTINGS])
         self.assertEqual(facts(after[XML]), facts(before[XML]))
 
 

@@ -1192,12 +1192,15 @@ private:
         SaysNotConnectedWithCapital = 4,
     };
 
+    /// \cond Doxygen would link to a private class that it does not show.
+
     /// A parameter's value as QVariant takes it in.
     struct Argument
     {
         int type;
         const void *value;
     };
+    /// \endcond
 
     /// Not inlined: operations with the same types share one copy.
     template<typename Result, typename... Parameters>
