@@ -128,12 +128,13 @@ class Reference:
 
     def linked(self, text, page):
         def link(match):
-            url = self.url_of(html.unescape(match[1]))
-            if not url or url.partition("#")[0] == page:
+            is_link, code = match.groups()
+            url = self.url_of(html.unescape(code))
+            if is_link or not url or url.partition("#")[0] == page:
                 return match[0]
             return f'<a class="el" href="{url}">{match[0]}</a>'
 
-        return re.sub(r"(?<!\">)<code>([^<]*)</code>", link, text)
+        return re.sub(r"(<a\b[^>]*>)?<code>([^<]*)</code>", link, text)
 
 
 def with_suffix(name):
