@@ -6,7 +6,8 @@ import unittest
 
 import guide
 
-GUIDES = pathlib.Path(__file__).resolve().parents[2] / "docs/guides"
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+GUIDES = PROJECT / "docs/guides"
 
 
 class Blocks(unittest.TestCase):
@@ -35,7 +36,7 @@ class Blocks(unittest.TestCase):
     def test_of_all_guides_are_known(self):
         guides = sorted(GUIDES.glob("*.md"))
         self.assertGreater(len(guides), 10)
-        for path in guides:
+        for path in [*guides, PROJECT / "README.md"]:
             with self.subTest(path.name):
                 list(guide.blocks(path.read_text(encoding="utf-8")))
 

@@ -4,6 +4,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -34,12 +35,20 @@ class Demo(unittest.TestCase):
                 left.append(command)
         self.assertEqual(left, [])
 
+    def assert_is_what_the_readme_shows(self, output):
+        readme = (DEMO.parents[1] / "README.md").read_text(encoding="utf-8")
+        shown = re.search(r"^\$ scripts/demo\n(.*?)^```", readme, re.DOTALL | re.MULTILINE)[1]
+        lines = iter(output.splitlines())
+        for line in shown.splitlines():
+            self.assertTrue(line == "..." or line in lines, f"{line!r} is not there in its place")
+
     def test_shows_the_library_from_start_to_end(self):
         demo = self.start()
         output, _ = demo.communicate(timeout=200)
         self.assertEqual(demo.returncode, 0, output)
         self.assertIn("\nconnected()", output)
         self.assertTrue(output.endswith("Done.\n"), output)
+        self.assert_is_what_the_readme_shows(output)
         self.assert_nothing_left(demo.pid)
 
     def test_ends_at_once_on_ctrl_c_wherever_it_is(self):
