@@ -15,7 +15,7 @@ namespace simulator {
 
 namespace {
 
-const QString scope = QStringLiteral("printing");
+const QString printingScope = QStringLiteral("printing");
 
 const QString pagesName = QStringLiteral("pages");
 const QString copiesName = QStringLiteral("copies");
@@ -134,7 +134,7 @@ QStringList Printer::statusNames()
 
 Printer::Job Printer::load() const
 {
-    const QMap<QString, QVariant> values = m_store.values(scope);
+    const QMap<QString, QVariant> values = m_store.values(printingScope);
     Job job;
     job.pages = values.value(pagesName).toInt();
     job.copies = values.value(copiesName).toInt();
@@ -150,7 +150,7 @@ Printer::Job Printer::load() const
 
 void Printer::save(Job &job)
 {
-    const int before = m_store.value(scope, statusName).toInt();
+    const int before = m_store.value(printingScope, statusName).toInt();
     job.status = statusOf(job);
     // The state has no null.
     const auto text = [](const QString &name) { return name.isNull() ? QStringLiteral("") : name; };
@@ -160,7 +160,7 @@ void Printer::save(Job &job)
                              {nextName, text(job.next)},   {nextAfterName, job.nextAfter},
                              {sheetsName, job.sheetsInBin}};
     for (auto value = values.begin(); value != values.end(); ++value)
-        m_store.setValue(scope, value.key(), *value);
+        m_store.setValue(printingScope, value.key(), *value);
     if (job.status != before) {
         set(QStringLiteral("DocumentStatus"), job.status);
         set(QStringLiteral("SensorState/HeadHome"), job.status != Printing);

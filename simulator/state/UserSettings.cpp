@@ -17,7 +17,7 @@ namespace simulator {
 
 namespace {
 
-const QString scope = QStringLiteral("user settings");
+const QString userSettingsScope = QStringLiteral("user settings");
 const QString savedName = QStringLiteral("saved");
 const QString model = QStringLiteral("model");
 const QString collectionsMember = QStringLiteral("collections");
@@ -82,7 +82,7 @@ void UserSettings::apply(const QJsonObject &collections, Secrets secrets)
 
 QJsonObject UserSettings::saved() const
 {
-    const QVariant stored = m_store.value(scope, savedName);
+    const QVariant stored = m_store.value(userSettingsScope, savedName);
     const QJsonDocument collections = QJsonDocument::fromJson(stored.toString().toUtf8());
     if (stored.isValid() && !collections.isObject())
         throw failed(QStringLiteral("the user settings saved in the state cannot be read"));
@@ -91,7 +91,7 @@ QJsonObject UserSettings::saved() const
 
 void UserSettings::setSaved(const QJsonObject &collections)
 {
-    m_store.setValue(scope, savedName,
+    m_store.setValue(userSettingsScope, savedName,
                      QString::fromUtf8(QJsonDocument(collections).toJson(QJsonDocument::Compact)));
 }
 
@@ -102,7 +102,7 @@ void UserSettings::save()
 
 bool UserSettings::load()
 {
-    if (!m_store.value(scope, savedName).isValid())
+    if (!m_store.value(userSettingsScope, savedName).isValid())
         return false;
     apply(saved(), Secrets::Included);
     return true;
