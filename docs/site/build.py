@@ -8,6 +8,7 @@ The search page gets what it looks in.
 """
 
 import argparse
+import collections
 import html
 import json
 import os
@@ -85,9 +86,14 @@ def with_page_links(text, path, pages):
 
 
 def with_anchors(text, page):
-    """Names the page, and its headings by their words, so that they can be linked to."""
+    """Names the page, and its headings by their words and a number, if need be, to be linked to."""
+    seen = collections.Counter()
+
     def heading(match):
         words = re.sub(r"[^\w -]", "", match[2].lower()).replace(" ", "-")
+        seen[words] += 1
+        if seen[words] > 1:
+            words += f"-{seen[words] - 1}"
         if match[1] != "#":
             return f"{match[0]} {{#{page}-{words}}}"
         return match[0] if page == "index" else f"{match[0]} {{#{page}}}"
