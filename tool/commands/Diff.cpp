@@ -73,7 +73,7 @@ ExitStatus runDiff(const Request &request)
     }
     const ExitStatus status = first.status == ExitStatus::Done ? second.status : first.status;
     const bool isDifference = request.hasOption(exitCodeOption) && !differences.isEmpty();
-    return status == ExitStatus::Done && isDifference ? ExitStatus::Failed : status;
+    return isDifference ? ExitStatus::Failed : status;
 }
 
 } // namespace
