@@ -19,16 +19,16 @@ const QByteArray hasLeft =
     "embosserctl: not connected: the configuration service has left the system "
     "bus\n";
 
-/// A bus on which nobody may talk to the configuration service, with one on it.
-class DenyingBus
+/// A dbus-daemon with a configuration of its own, with a configuration service on it.
+class ConfiguredBus
 {
 public:
-    DenyingBus()
+    explicit ConfiguredBus(const QString &configuration, const QStringList &arguments = {})
         : m_daemon(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                    QStringLiteral("--config-file=" DENYING_BUS_CONFIGURATION)}),
+                    QStringLiteral("--config-file=") + configuration}),
           m_address(m_daemon.startAndReadLine()),
-          m_simulator(QStringLiteral(SIMULATOR), {})
+          m_simulator(QStringLiteral(SIMULATOR), arguments)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
@@ -109,6 +109,28 @@ private Q_SLOTS:
         QCOMPARE(document(json)[QStringLiteral("error")],
                  QJsonValue(error("absent", "not connected: the configuration service has left the "
                                             "system bus")));
+    }
+
+    void startsNoServiceToLearnWhetherItIsThere()
+    {
+        // The bus would start what leaves a file behind.
+        const QString started = m_shell.path(QStringLiteral("started"));
+        write("bus.conf", R"(<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen>
+            <servicedir>)" + m_shell.path(QStringLiteral(".")).toUtf8() +
+                              R"(</servicedir><policy context="default"><allow own="*"/>
+            <allow send_destination="*"/><allow receive_sender="*"/></policy></busconfig>)");
+        write("activation.service",
+              "[D-BUS Service]\nName=com.tavelornbraille.ConfigurationManager\nExec=/bin/sh -c "
+              "\"touch " +
+                  started.toUtf8() + "; false\"\n");
+        const ConfiguredBus bus(m_shell.path(QStringLiteral("bus.conf")),
+                                {QStringLiteral("--fault"), QStringLiteral("crash:getTabSize")});
+        const Outcome outcome = run(QStringLiteral("get TabSize"), bus.address());
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.errors, hasLeft);
+        QVERIFY(!QFile::exists(started));
+        run(QStringLiteral("wait --start"), bus.address());
+        QVERIFY(QFile::exists(started));
     }
 
     void saysThatThereIsNoAnswerInTime_data() { addCommands(); }
@@ -294,21 +316,22 @@ private Q_SLOTS:
 
     void aFalseOfWhatWritesIsARefusal_data()
     {
-        QTest::addColumn<QString>("call");
+        QTest::addColumn<QString>("command");
         QTest::addColumn<int>("status");
-        QTest::newRow("a setting by its name") << QStringLiteral("setIntValue TabSize 3") << 1;
+        QTest::newRow("a setting by its name") << QStringLiteral("call setIntValue TabSize 3") << 1;
         QTest::newRow("a setting by its change")
-            << QStringLiteral("setIntDeltaValue TabSize 3") << 1;
-        QTest::newRow("a command") << QStringLiteral("clearLog") << 1;
-        QTest::newRow("a question") << QStringLiteral("hasBooklet") << 0;
+            << QStringLiteral("call setIntDeltaValue TabSize 3") << 1;
+        QTest::newRow("a command") << QStringLiteral("call clearLog") << 1;
+        QTest::newRow("a question") << QStringLiteral("call hasBooklet") << 0;
+        QTest::newRow("settings together") << QStringLiteral("set TabSize=3 AlignLow=1") << 1;
     }
 
     void aFalseOfWhatWritesIsARefusal()
     {
-        QFETCH(QString, call);
+        QFETCH(QString, command);
         m_service.start();
         m_service.setAnswer(Answer::value(false));
-        QTEST(run(QStringLiteral("call ") + call).status, "status");
+        QTEST(run(command).status, "status");
     }
 
     void saysWhatTheServiceHasRefused_data()
@@ -370,6 +393,14 @@ private:
             QTest::newRow(command) << QString::fromLatin1(command);
     }
 
+    void write(const char *name, const QByteArray &content) const
+    {
+        QFile file(m_shell.path(QString::fromLatin1(name)));
+        if (!file.open(QFile::WriteOnly))
+            qFatal("%s: %s", name, qPrintable(file.errorString()));
+        file.write(content);
+    }
+
     Outcome run(const QString &arguments, const QString &address = {})
     {
         const QString bus = address.isEmpty()
@@ -379,7 +410,8 @@ private:
     }
 
     PrivateBus m_bus;
-    DenyingBus m_denyingBus;
+    /// Nobody may talk to the service.
+    ConfiguredBus m_denyingBus{QStringLiteral(DENYING_BUS_CONFIGURATION)};
     RecordingService m_service{m_bus};
     Shell m_shell;
 };
