@@ -123,7 +123,9 @@ private Q_SLOTS:
     void everyDeviationIsFound()
     {
         startBehind(
-            {QStringLiteral("--profile"), captured()},
+            {QStringLiteral("--profile"),
+             captured(R"("answers": {"getType": 99}, "settings": {"HTTPS": {"value": 7},
+                         "LetterFont": {"value": 12}, "Parity": {"value": "Mark"}})")},
             {QStringLiteral("refuse:getAlignLow:0:org.freedesktop.DBus.Error.UnknownMethod:gone"),
              QStringLiteral("wrong-type:getBaudrate:0"),
              QStringLiteral("wrong-type:getReleaseTime:0"),
@@ -163,6 +165,25 @@ private Q_SLOTS:
                                    finding.section(QStringLiteral(": "), 1).toUtf8() + '\n';
             QVERIFY2(table.output.contains('\n' + row), table.output.constData());
         }
+    }
+
+    void bothBoundsAndEveryBitAreJudged()
+    {
+        startBehind({QStringLiteral("--profile"),
+                     captured(R"("settings": {"HammerBatch": {"value": 0}}, "recorded": [
+                       {"method": "getMinValue", "arguments": ["LetterFont"], "answer": 9},
+                       {"method": "getMaxValue", "arguments": ["LetterFont"], "answer": 0},
+                       {"method": "getModelMaskForPaper", "arguments": ["A4"], "answer": 257}])")},
+                    {});
+        startDeviating({});
+        const Outcome outcome = run("verify --json");
+        QCOMPARE(findingsIn(document(outcome)),
+                 (QStringList{
+                     QStringLiteral("HammerBatch: is 0, which is not within its bounds, 1 to 16"),
+                     QStringLiteral("LetterFont: has bounds in the wrong order, 9 to 0"),
+                     QStringLiteral("getModelMaskForPaper: answers 257, which is not a value of "
+                                    "ModelMask")}));
+        QCOMPARE(outcome.status, 1);
     }
 
     void withoutIntrospectionWhatCanBeReadIsJudged()
@@ -229,8 +250,8 @@ private:
         m_deviating->startAndReadLine();
     }
 
-    /// The profile of a service that holds what it may not hold.
-    QString captured()
+    /// The profile of a service that differs in these members.
+    QString captured(const QByteArray &members)
     {
         start({});
         if (run("capture > device.json").status != 0)
@@ -239,8 +260,7 @@ private:
         QFile file(m_shell.path(QStringLiteral("odd.json")));
         if (!file.open(QFile::WriteOnly))
             qFatal("%s", qPrintable(file.errorString()));
-        file.write(R"({"base": "device.json", "answers": {"getType": 99}, "settings": {
-                       "HTTPS": {"value": 7}, "LetterFont": {"value": 12}, "Parity": {"value": "Mark"}}})");
+        file.write(R"({"base": "device.json", )" + members + '}');
         return file.fileName();
     }
 
