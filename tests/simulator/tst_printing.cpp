@@ -264,6 +264,21 @@ private Q_SLOTS:
         QCOMPARE(setting("NumberOfPrintedPages"), pages);
     }
 
+    void itWaitsBeforeTheFirstPageOnly()
+    {
+        // For longer than this test has patience.
+        QCOMPARE(m_simulator.error("setWaitBeforePrinting", {300, master, false}), QString());
+        control("Print", {3U, 1U, 1U});
+        // Other calls come and go meanwhile.
+        for (int i = 0; i < 20; ++i)
+            QCOMPARE(setting("NumberOfPrintedPages"), 0);
+        QCOMPARE(step(1), 1U);
+        // The wait that has begun ends with the pause; after a page, there is no other.
+        QCOMPARE(m_simulator.error("setPrintingPaused", {true}), QString());
+        QCOMPARE(m_simulator.error("setPrintingPaused", {false}), QString());
+        QTRY_COMPARE_WITH_TIMEOUT(setting("DocumentStatus"), 4, patience);
+    }
+
     void aPauseHoldsItsPace()
     {
         QCOMPARE(m_simulator.error("setWaitBeforePrinting", {0, master, false}), QString());
