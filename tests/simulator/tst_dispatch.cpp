@@ -201,20 +201,30 @@ private Q_SLOTS:
              {Simulator::serviceName(), QStringLiteral("org.freedesktop.DBus.Properties"),
               QStringLiteral("org.freedesktop.DBus.Introspectable"),
               QStringLiteral("org.freedesktop.DBus.Peer")}) {
-            const QDBusMessage reply = getAll(interface);
+            const QDBusMessage reply = getAll({interface});
             QCOMPARE(reply.signature(), QStringLiteral("a{sv}"));
             QCOMPARE(qdbus_cast<QVariantMap>(reply.arguments().value(0)), QVariantMap());
         }
-        QCOMPARE(getAll(QStringLiteral("org.example.None")).type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(getAll({QStringLiteral("org.example.None")}).type(), QDBusMessage::ErrorMessage);
+    }
+
+    void propertiesAreThoseOfOneInterface()
+    {
+        const QString service = Simulator::serviceName();
+        for (const QVariantList &arguments :
+             {QVariantList(), QVariantList{7}, QVariantList{service, service}})
+            QCOMPARE(getAll(arguments).type(), QDBusMessage::ErrorMessage);
+        // It is still there.
+        QCOMPARE(m_simulator.error("getType"), QString());
     }
 
 private:
-    QDBusMessage getAll(const QString &interface) const
+    QDBusMessage getAll(const QVariantList &arguments) const
     {
         QDBusMessage call = QDBusMessage::createMethodCall(
             Simulator::serviceName(), QStringLiteral("/"),
             QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"));
-        call << interface;
+        call.setArguments(arguments);
         return m_simulator.connection().call(call);
     }
 

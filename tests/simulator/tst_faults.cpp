@@ -323,6 +323,13 @@ private Q_SLOTS:
         QCOMPARE(m_simulator.call("getTabSize").errorName(), QStringLiteral("org.example.No"));
     }
 
+    void theNameOfAnErrorMayBeAsLongAsDBusAllows()
+    {
+        const QString name = nameOfError(255);
+        inject("refuse", "getTabSize", 1, qPrintable(name));
+        QCOMPARE(m_simulator.call("getTabSize").errorName(), name);
+    }
+
     void theCallsAreRecorded()
     {
         const QString master = Simulator::masterCollection();
@@ -381,6 +388,9 @@ private Q_SLOTS:
                                   << "getType"
                                   << "no error: it says"
                                   << "refuse takes the name of a D-Bus error";
+        QTest::newRow("an error with too long a name")
+            << "refuse"
+            << "getType" << nameOfError(256) << "refuse takes the name of a D-Bus error";
         QTest::newRow("negative detail") << "delay"
                                          << "getType"
                                          << "-1"
@@ -408,6 +418,11 @@ private Q_SLOTS:
     }
 
 private:
+    static QString nameOfError(int length)
+    {
+        return QStringLiteral("org.").leftJustified(length, QLatin1Char('a'));
+    }
+
     /// Method, first argument and outcome of the calls.
     QStringList recorded(const QString &method) const
     {

@@ -176,6 +176,19 @@ private Q_SLOTS:
                                   << QVariantList{-1.0,      0,         0.0,       0.0,
                                                   QString(), QString(), QString(), QString()}
                                   << "getLineToLine: d1, i2, d3 and d4 are finite and not below 0";
+        QTest::newRow("negative distance of cells")
+            << "getLineToLine"
+            << QVariantList{0.0, 0, -1.0, 0.0, QString(), QString(), QString(), QString()}
+            << "getLineToLine: d1, i2, d3 and d4 are finite and not below 0";
+        const QString text = QStringLiteral("Text_2p5");
+        QTest::newRow("a line on the one before")
+            << "getLineToLine"
+            << QVariantList{0.0, 2, 0.0, 2.5, QString(), text, QString(), QString()}
+            << "getLineToLine: d4 is too short for the rows that i2 and d1 say";
+        QTest::newRow("a line above the one before")
+            << "getLineToLine"
+            << QVariantList{0.0, 2, 0.0, 1.25, QString(), text, QString(), QString()}
+            << "getLineToLine: d4 is too short for the rows that i2 and d1 say";
         QTest::newRow("infinite") << "getLineToLine"
                                   << QVariantList{0.0,       0,         0.0,       qInf(),
                                                   QString(), QString(), QString(), QString()}
