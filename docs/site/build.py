@@ -41,8 +41,12 @@ def main():
     if doxygen.returncode != 0:
         return 1
     reference = Reference(output / "reference.tag")
-    for page in (output / "html").glob("*.html"):
+    for page in sorted((output / "html").glob("*.html")):
         text = page.read_text(encoding="utf-8")
+        if ": pages Directory Reference</title>" in text:
+            # Its name depends on the output's folder, and nobody links to it.
+            page.unlink()
+            continue
         page.write_text(reference.linked(text, page.name), encoding="utf-8")
     index = "const searchIndex = " + json.dumps(list(entries(reference)), ensure_ascii=False,
                                                 indent=0) + ";\n"
