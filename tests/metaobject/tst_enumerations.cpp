@@ -10,13 +10,13 @@
 
 using Keys = QVector<QPair<QByteArray, int>>;
 
-namespace {
-
 struct Enumeration
 {
     QByteArray name;
     Keys keys;
 };
+
+namespace {
 
 QVector<Enumeration> lockedEnumerations()
 {

@@ -19,6 +19,19 @@ const QByteArray hasLeft =
     "embosserctl: not connected: the configuration service has left the system "
     "bus\n";
 
+QJsonObject error(const char *kind, const char *message)
+{
+    return {{QStringLiteral("kind"), QString::fromLatin1(kind)},
+            {QStringLiteral("message"), QString::fromLatin1(message)}};
+}
+
+QJsonValue document(const Outcome &outcome)
+{
+    return QJsonDocument::fromJson(outcome.output).object();
+}
+
+} // namespace
+
 /// A dbus-daemon with a configuration of its own, with a configuration service on it.
 class ConfiguredBus
 {
@@ -43,19 +56,6 @@ private:
     QString m_address;
     ChildProcess m_simulator;
 };
-
-QJsonObject error(const char *kind, const char *message)
-{
-    return {{QStringLiteral("kind"), QString::fromLatin1(kind)},
-            {QStringLiteral("message"), QString::fromLatin1(message)}};
-}
-
-QJsonValue document(const Outcome &outcome)
-{
-    return QJsonDocument::fromJson(outcome.output).object();
-}
-
-} // namespace
 
 /// Who has failed: told apart by status, message and JSON, in every command.
 class TestToolFailures : public QObject
