@@ -45,6 +45,15 @@ private Q_SLOTS:
         QVERIFY(withoutBus.errors.startsWith("embosserctl: not connected: no system bus: "));
     }
 
+    void saysThatAProgramDoesNotLeadToABus()
+    {
+        const Outcome outcome = run(QStringLiteral("--address unixexec:path=false get TabSize"));
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.errors, QByteArray("embosserctl: not connected: no system bus: "
+                                            "unixexec:path=false: the program that leads to it has "
+                                            "ended\n"));
+    }
+
     void monitorNeedsABus()
     {
         const Outcome outcome = runWithoutBus(QStringLiteral("monitor"));

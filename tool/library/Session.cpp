@@ -112,9 +112,14 @@ Session::Session(const SessionOptions &options) : m_timeout(options.timeout)
 void Session::requireBus() const
 {
     const QDBusConnection bus = QDBusConnection::systemBus();
-    if (!bus.isConnected())
-        throwNotConnected(
-            QStringLiteral("no system bus: %1: %2").arg(busAddress(), bus.lastError().message()));
+    if (bus.isConnected())
+        return;
+    const QString address = busAddress();
+    // Such a program has said why itself.
+    const QString reason = address.startsWith(QLatin1String("unixexec:"))
+                               ? QStringLiteral("the program that leads to it has ended")
+                               : bus.lastError().message();
+    throwNotConnected(QStringLiteral("no system bus: %1: %2").arg(address, reason));
 }
 
 void Session::whenBusIsLost(QObject *receiver, const char *slot)
