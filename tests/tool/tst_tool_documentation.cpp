@@ -5,6 +5,7 @@
 #include "Terminal.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
@@ -32,6 +33,29 @@ private Q_SLOTS:
                       "case $1 in --timeout) shift 2; set -- --timeout 60 \"$@\" ;; esac\n"
                       "exec '" COMMAND_DIRECTORY "/embosserctl' \"$@\"\n");
         QVERIFY(patient.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
+
+    void whatTheReadmeShowsCanBeTyped_data()
+    {
+        QTest::addColumn<QString>("line");
+        QFile readme(QStringLiteral(README));
+        QVERIFY(readme.open(QFile::ReadOnly));
+        const QString text = QString::fromUtf8(readme.readAll());
+        // Behind two spaces stands what it does.
+        const QRegularExpression line(QStringLiteral("^    (embosserctl .*?)  +.*$"),
+                                      QRegularExpression::MultilineOption);
+        for (auto l = line.globalMatch(text); l.hasNext();) {
+            const QString command = l.next().captured(1);
+            QTest::newRow(qPrintable(command)) << command;
+        }
+    }
+
+    /// In their order: some need what those before them have written.
+    void whatTheReadmeShowsCanBeTyped()
+    {
+        QFETCH(QString, line);
+        const Outcome outcome = m_shell.run(QStringLiteral("EDITOR=true ") + line);
+        QCOMPARE(outcome.status, 0);
     }
 
     void manualPageIsWellFormed_data()
