@@ -56,8 +56,12 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("site", type=pathlib.Path, help="the folder of index.html")
     site = parser.parse_args().site.resolve()
-    problems = [*broken_links(site), *browser_problems(site)]
-    print("\n".join(problems) or f"{len(list(site.glob('*.html')))} pages: links, widths and search are good")
+    problems = [*broken_links(site)]
+    obstacle = why_there_is_no_browser()
+    if not obstacle:
+        problems += browser_problems(site)
+    print("\n".join(problems) or f"{len(list(site.glob('*.html')))} pages: links are good, "
+          + (f"chromium does not run here: {obstacle}" if obstacle else "and so are widths and search"))
     return 1 if problems else 0
 
 
@@ -104,21 +108,38 @@ def is_read(name):
     return not re.search(r"^dir_|_source\.html$|-members\.html$", name)
 
 
+def dom_of(url, folder, *options, timeout):
+    """What a browser makes of a page."""
+    # The pages are this project's own, and root and containers can have no sandbox.
+    browser = subprocess.run(
+        ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+         f"--user-data-dir={folder}/profile", *options, "--dump-dom", url],
+        capture_output=True, text=True, timeout=timeout, check=False)
+    return browser.stdout, browser.stderr
+
+
+def why_there_is_no_browser():
+    """Nothing where it runs: a container may not have what it takes."""
+    with tempfile.TemporaryDirectory() as folder:
+        try:
+            text, errors = dom_of("data:text/html,<p>shown</p>", folder, timeout=120)
+        except subprocess.TimeoutExpired:
+            return "it has not ended in two minutes"
+        return "" if "shown" in text else errors.strip() or "it shows nothing"
+
+
 def seen_in_browser(pages, queries):
     probe = (PROBE.replace("PAGES", json.dumps(pages)).replace("WIDTHS", json.dumps(WIDTHS))
              .replace("QUERIES", json.dumps(queries)))
     with tempfile.TemporaryDirectory() as folder:
         file = pathlib.Path(folder) / "probe.html"
         file.write_text(probe, encoding="utf-8")
-        # The pages are this project's own, and root and containers can have no sandbox.
-        browser = subprocess.run(
-            ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
-             "--hide-scrollbars", "--allow-file-access-from-files", f"--user-data-dir={folder}/profile",
-             "--window-size=1500,1000", "--virtual-time-budget=600000", "--dump-dom", file.as_uri()],
-            capture_output=True, text=True, timeout=110, check=False)
-    seen = re.search(r'<pre id="seen">(.+?)</pre>', browser.stdout, re.DOTALL)
+        text, errors = dom_of(file.as_uri(), folder, "--hide-scrollbars",
+                              "--allow-file-access-from-files", "--window-size=1500,1000",
+                              "--virtual-time-budget=600000", timeout=900)
+    seen = re.search(r'<pre id="seen">(.+?)</pre>', text, re.DOTALL)
     if not seen:
-        sys.exit(f"the browser has shown nothing:\n{browser.stderr}")
+        sys.exit(f"the browser has shown nothing:\n{errors}")
     return json.loads(html.unescape(seen[1]))
 
 
