@@ -27,11 +27,12 @@ bool isSlowToReturn = false;
 } // namespace
 
 /// In place of Qt's.
+// NOLINTNEXTLINE(readability-make-member-function-const): as Qt declares it
 QDBusPendingCall QDBusAbstractInterface::asyncCallWithArgumentList(const QString &method,
-                                                                   const QVariantList &arguments)
+                                                                   const QVariantList &args)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(service(), path(), interface(), method);
-    message.setArguments(arguments);
+    message.setArguments(args);
     QDBusPendingCall call = connection().asyncCall(message, timeout());
     if (isSlowToReturn)
         call.waitForFinished();
